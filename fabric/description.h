@@ -1,8 +1,8 @@
 // What a simulated storage network consists of, and its file fabric.toml.
 //
 // A fabric is a folder. fabric.toml names the hosts, their adapters and the faults to play;
-// tables/HOST.satable holds the image that the host's adapters keep. This room reads, checks, writes
-// and edits the description; it knows nothing of tables.
+// tables/HOST.satable holds the image that the host's adapters keep. This room reads, checks,
+// writes and edits the description; it knows nothing of tables.
 #pragma once
 
 #include <array>
@@ -32,8 +32,9 @@ struct Host {
   std::vector<Adapter> adapters;  // at most 100
 };
 
-// Lets outside calls fail: those numbered firstCall to firstCall + count - 1 (from 1) of one function
-// at one host, counted for each adapter by itself when an adapter is named, else over all of them.
+// Lets outside calls fail: those numbered firstCall to firstCall + count - 1 (from 1) of one
+// function at one host, counted for each adapter by itself when an adapter is named, else over all
+// of them.
 struct Fault {
   std::string host;
   std::optional<std::uint32_t> adapter;  // ordinal from 0; none: any
@@ -58,11 +59,13 @@ class DescriptionError : public std::runtime_error {
 // Reads and checks FOLDER/fabric.toml. Throws DescriptionError.
 Description LoadDescription(const std::filesystem::path &folder);
 
-// Writes FOLDER/fabric.toml (the folder is made if absent). Throws std::runtime_error with the cause.
+// Writes FOLDER/fabric.toml (the folder is made if absent). Throws std::runtime_error with the
+// cause.
 void SaveDescription(const std::filesystem::path &folder, const Description &description);
 
-// Marks one host up or down in FOLDER/fabric.toml, leaving every other line, comments included, as it
-// is. Throws DescriptionError for a file that cannot be used and std::out_of_range for no such host.
+// Marks one host up or down in FOLDER/fabric.toml, leaving every other line, comments included, as
+// it is. Throws DescriptionError for a file that cannot be used and std::out_of_range for no such
+// host.
 void SetHostUp(const std::filesystem::path &folder, const std::string &host, bool up);
 
 // A plausible network of hostCount hosts (1 to 10000): two-port adapters on two switched fabrics,

@@ -1,0 +1,23 @@
+// The network that the C functions of Tqlink and Vexonet act on in this process.
+//
+// Unless a test has put one in its place, it is made at the first call from the environment:
+// KVR_FABRIC names the fabric's folder, KVR_HOST the local host, and KVR_TRACE (set, and not "0")
+// prints every outside call on standard error. When these do not lead to a usable description, the
+// reason is printed once on standard error, and the process is a host that has no adapter and
+// discovers nothing.
+#pragma once
+
+#include <memory>
+
+#include "fabric/network.h"
+
+namespace fabric {
+
+// Never null.
+std::shared_ptr<Network> CurrentNetwork();
+
+// Puts a network in place of the current one; null: the next call makes one from the environment.
+// Waits for the end of a discovery callback that the network given up is in, unless called from it.
+void SetCurrentNetwork(std::shared_ptr<Network> network);
+
+}  // namespace fabric

@@ -1,0 +1,36 @@
+// Calls a function once, later, from a thread of its own, as a discovery library announces systems.
+//
+// The thread is made at the first Arm and ends with the timer. The function may call Arm and Cancel
+// and may even destroy the timer; the timer's lock is not held while it runs.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace fabric {
+
+class EventTimer {
+ public:
+  EventTimer();
+  EventTimer(const EventTimer &) = delete;
+  EventTimer &operator=(const EventTimer &) = delete;
+
+  // Waits for the end of a function that is running, unless destroyed from within it.
+  ~EventTimer();
+
+  // Calls the function after the delay; a call still to come is replaced.
+  void Arm(std::chrono::milliseconds delay, std::function<void()> function);
+
+  // Drops the call still to come, if any. A function already running runs on.
+  void Cancel();
+
+ private:
+  struct State;
+
+  std::shared_ptr<State> state_;
+  std::thread thread_;
+};
+
+}  // namespace fabric

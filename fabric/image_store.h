@@ -1,0 +1,74 @@
+// Where the security tables of a simulated network are kept: one whole SaTable image for each host,
+// shared by all its adapters, in a folder or in memory.
+//
+// Every store is safe to use from several threads; a folder store also from several processes. A
+// host name is taken as checked (description.h): it is fit to be part of a file name.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "kvrapi/table_formats.h"
+
+namespace fabric {
+
+class ImageStore {
+ public:
+  using Visitor = std::function<void(const SaTable &image)>;
+  using Change = std::function<void(SaTable &image)>;
+
+  ImageStore() = default;
+  ImageStore(const ImageStore &) = delete;
+  ImageStore &operator=(const ImageStore &) = delete;
+  virtual ~ImageStore() = default;
+
+  // Shows the host's image to the visitor, which must not call the store. False, without a visit,
+  // when the host holds none or it cannot be read.
+  virtual bool Read(const std::string &host, const Visitor &visit) = 0;
+
+  // Stores a whole image, in place of one or where there was none. On false the image is the old
+  // one.
+  virtual bool Write(const std::string &host, const SaTable &image) = 0;
+
+  // Removes the image. False when there is none or it cannot be removed.
+  virtual bool Remove(const std::string &host) = 0;
+
+  // Changes the image as one step that no other write, removal or update comes between. False,
+  // leaving the image as it was, when there is none or it cannot be read or stored.
+  virtual bool Update(const std::string &host, const Change &change) = 0;
+};
+
+class MemoryStore final : public ImageStore {
+ public:
+  bool Read(const std::string &host, const Visitor &visit) override;
+  bool Write(const std::string &host, const SaTable &image) override;
+  bool Remove(const std::string &host) override;
+  bool Update(const std::string &host, const Change &change) override;
+
+ private:
+  std::mutex mutex_;
+  std::unordered_map<std::string, std::unique_ptr<SaTable>> images_;
+};
+
+// Keeps FOLDER/tables/HOST.satable. A process that dies while it writes leaves the old image or the
+// new one. A file whose size is not that of a SaTable cannot be read, but replaced or removed.
+class FolderStore final : public ImageStore {
+ public:
+  explicit FolderStore(const std::filesystem::path &folder);
+
+  bool Read(const std::string &host, const Visitor &visit) override;
+  bool Write(const std::string &host, const SaTable &image) override;
+  bool Remove(const std::string &host) override;
+  bool Update(const std::string &host, const Change &change) override;
+
+ private:
+  [[nodiscard]] std::filesystem::path File(const std::string &host, const char *suffix) const;
+
+  std::filesystem::path tables_;
+};
+
+}  // namespace fabric
