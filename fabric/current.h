@@ -7,6 +7,7 @@
 // discovers nothing.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "fabric/network.h"
@@ -19,5 +20,15 @@ std::shared_ptr<Network> CurrentNetwork();
 // Puts a network in place of the current one; null: the next call makes one from the environment.
 // Waits for the end of a discovery callback that the network given up is in, unless called from it.
 void SetCurrentNetwork(std::shared_ptr<Network> network);
+
+// What the call answers for the current network, or the failure when it throws: the caller is C.
+template <typename Call>
+std::uint32_t Forward(std::uint32_t failure, Call call) noexcept {
+  try {
+    return call(*CurrentNetwork());
+  } catch (...) {
+    return failure;
+  }
+}
 
 }  // namespace fabric

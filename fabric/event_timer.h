@@ -17,14 +17,16 @@ class EventTimer {
   EventTimer(const EventTimer &) = delete;
   EventTimer &operator=(const EventTimer &) = delete;
 
-  // Waits for the end of a function that is running, unless destroyed from within it.
-  ~EventTimer();
+  ~EventTimer() { Stop(); }
 
   // Calls the function after the delay; a call still to come is replaced.
   void Arm(std::chrono::milliseconds delay, std::function<void()> function);
 
   // Drops the call still to come, if any. A function already running runs on.
   void Cancel();
+
+  // Cancels for good. Waits for the end of a function that is running, unless called from it.
+  void Stop();
 
  private:
   struct State;

@@ -37,8 +37,8 @@ class ImageStore {
   // Removes the image. False when there is none or it cannot be removed.
   virtual bool Remove(const std::string &host) = 0;
 
-  // Changes the image as one step that no other write, removal or update comes between. False,
-  // leaving the image as it was, when there is none or it cannot be read or stored.
+  // Changes the image as one step that no other write, removal or update comes between. False
+  // when there is none or it cannot be read or stored.
   virtual bool Update(const std::string &host, const Change &change) = 0;
 };
 

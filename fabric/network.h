@@ -32,6 +32,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -104,6 +105,9 @@ class Network {
   std::uint32_t Terminate();
   std::uint32_t StartDiscoveryCycle();
 
+  // Announces no system any more. Waits for the end of a callback under way, unless called from it.
+  void StopAnnouncing() { timer_.Stop(); }
+
   // Hosts. A name or ordinal that the network does not have: std::out_of_range, except that any
   // name may become the local host. The reader of Hosts must not let it overlap with a change.
   [[nodiscard]] const std::vector<Host> &Hosts() const { return description_.hosts; }
@@ -136,6 +140,11 @@ class Network {
   void SetTrace(bool on);             // one line for each call on standard error
 
  private:
+  static constexpr std::uint32_t kOk = 0;
+  static constexpr std::uint32_t kFailed = 1;
+  static constexpr std::uint32_t kNone = 0;  // the failure of functions that count or enumerate
+  static constexpr std::uint32_t kDelivered = 1;
+
   struct Target {  // an adapter, by its place in the description
     std::uint32_t host;
     std::uint32_t ordinal;
@@ -150,18 +159,25 @@ class Network {
     std::optional<std::uint32_t> adapter;
     std::span<const std::uint8_t> payload;
   };
+  // Whether systems are delivered: not before the start, and only once they are known.
   enum class Discovery { kStopped, kSearching, kKnown };
 
-  template <typename Act>
-  std::uint32_t Answer(Call call, std::uint32_t failure, Act act);
-  template <typename Act>
+  // What a call does, to the result it has. The host of the call may be filled in.
+  using Act = std::function<std::uint32_t(Call &call)>;
+  // As Act, for a call that reached the named host: whether it succeeds.
+  using HostAct = std::function<bool(const std::string &host)>;
+
+  // Counts the call, lets it fail or act, and logs it.
+  std::uint32_t Answer(Call call, std::uint32_t failure, const Act &act);
   std::uint32_t AnswerAdapter(std::string_view function, const AdapterAddress &address,
-                              std::span<const std::uint8_t> payload, Act act);
+                              std::span<const std::uint8_t> payload, const HostAct &act);
   void Record(const Call &call, std::uint32_t result, std::chrono::steady_clock::time_point begin);
   bool IsFaulty(const Call &call);
   [[nodiscard]] bool IsReachable(const Target &target, const Id8 &credential) const;
   [[nodiscard]] std::uint32_t Find(const std::string &host) const;
   [[nodiscard]] const Host *LocalHost() const;
+  [[nodiscard]] std::string_view LocalName() const;
+  [[nodiscard]] std::uint32_t LocalAdapters() const;
 
   void BeginCycle();
   void Announce(std::uint64_t cycle);

@@ -1,0 +1,86 @@
+#include "fabric/current.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <stdexcept>
+#include <utility>
+
+namespace fabric {
+namespace {
+
+std::string Environment(const char *name) {
+  const char *value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+// Throws std::runtime_error with what to do about it when the environment leads to no network.
+std::shared_ptr<Network> OpenFabric() {
+  const std::string folder = Environment("KVR_FABRIC");
+  const std::string host = Environment("KVR_HOST");
+  if (folder.empty() || host.empty()) {
+    throw std::runtime_error(
+        "set KVR_FABRIC to the folder of a fabric and KVR_HOST to the host of it to act as");
+  }
+  const auto absolute = std::filesystem::absolute(folder);
+  Description description = LoadDescription(absolute);
+  const bool known = std::any_of(description.hosts.begin(), description.hosts.end(),
+                                 [&](const Host &described) { return described.name == host; });
+  if (!known) {
+    throw std::runtime_error("KVR_HOST is '" + host + "', which is no host of " + folder +
+                             "/fabric.toml; set it to one that is described there");
+  }
+  return std::make_shared<Network>(std::move(description), host,
+                                   std::make_shared<FolderStore>(absolute));
+}
+
+std::shared_ptr<Network> MakeFromEnvironment() {
+  std::shared_ptr<Network> network;
+  try {
+    network = OpenFabric();
+  } catch (const std::exception &error) {
+    std::fprintf(stderr, "simulated network: %s\n", error.what());
+    network = std::make_shared<Network>(Description{}, "");
+  }
+  const std::string trace = Environment("KVR_TRACE");
+  network->SetTrace(!trace.empty() && trace != "0");
+  return network;
+}
+
+// The network stays in place until no callback can come any more: one under way may still call it.
+struct Holder {
+  std::mutex mutex;
+  std::shared_ptr<Network> network;
+
+  Holder() = default;
+  Holder(const Holder &) = delete;
+  Holder &operator=(const Holder &) = delete;
+  ~Holder() {
+    if (network) network->StopAnnouncing();
+  }
+};
+
+Holder &TheHolder() {
+  static Holder holder;
+  return holder;
+}
+
+}  // namespace
+
+std::shared_ptr<Network> CurrentNetwork() {
+  Holder &holder = TheHolder();
+  const std::lock_guard guard(holder.mutex);
+  if (!holder.network) holder.network = MakeFromEnvironment();
+  return holder.network;
+}
+
+void SetCurrentNetwork(std::shared_ptr<Network> network) {
+  Holder &holder = TheHolder();
+  std::shared_ptr<Network> previous;  // ends after the lock, which its last callback may need
+  const std::lock_guard guard(holder.mutex);
+  previous = std::exchange(holder.network, std::move(network));
+}
+
+}  // namespace fabric

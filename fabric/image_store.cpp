@@ -1,0 +1,89 @@
+#include "fabric/image_store.h"
+
+#include <fstream>
+#include <optional>
+#include <system_error>
+
+#include "fabric/platform_files.h"
+
+namespace fabric {
+namespace {
+
+// None when the file is absent, unreadable or not of a table's size.
+std::unique_ptr<SaTable> LoadImage(const std::filesystem::path &file) {
+  std::ifstream input(file, std::ios::binary);
+  if (!input) return nullptr;
+  auto image = std::make_unique<SaTable>();
+  input.read(reinterpret_cast<char *>(image.get()), sizeof(SaTable));
+  const bool whole = input.gcount() == sizeof(SaTable);
+  const bool more = input.peek() != std::ifstream::traits_type::eof();
+  return whole && !more ? std::move(image) : nullptr;
+}
+
+}  // namespace
+
+bool MemoryStore::Read(const std::string &host, const Visitor &visit) {
+  const std::lock_guard guard(mutex_);
+  const auto found = images_.find(host);
+  if (found == images_.end()) return false;
+  visit(*found->second);
+  return true;
+}
+
+bool MemoryStore::Write(const std::string &host, const SaTable &image) {
+  const std::lock_guard guard(mutex_);
+  images_[host] = std::make_unique<SaTable>(image);
+  return true;
+}
+
+bool MemoryStore::Remove(const std::string &host) {
+  const std::lock_guard guard(mutex_);
+  return images_.erase(host) != 0;
+}
+
+bool MemoryStore::Update(const std::string &host, const Change &change) {
+  const std::lock_guard guard(mutex_);
+  const auto found = images_.find(host);
+  if (found == images_.end()) return false;
+  change(*found->second);
+  return true;
+}
+
+FolderStore::FolderStore(const std::filesystem::path &folder) : tables_(folder / "tables") {}
+
+std::filesystem::path FolderStore::File(const std::string &host, const char *suffix) const {
+  return tables_ / (host + suffix);
+}
+
+// Readers take no lock: a file is only ever replaced whole.
+bool FolderStore::Read(const std::string &host, const Visitor &visit) {
+  const auto image = LoadImage(File(host, ".satable"));
+  if (!image) return false;
+  visit(*image);
+  return true;
+}
+
+bool FolderStore::Write(const std::string &host, const SaTable &image) {
+  std::error_code ignored;
+  std::filesystem::create_directories(tables_, ignored);
+  const FileLock lock(File(host, ".lock"));
+  if (lock.Error()) return false;
+  return !ReplaceFile(File(host, ".satable"), &image, sizeof image);
+}
+
+bool FolderStore::Remove(const std::string &host) {
+  const FileLock lock(File(host, ".lock"));
+  if (lock.Error()) return false;
+  return !RemoveFile(File(host, ".satable"));
+}
+
+bool FolderStore::Update(const std::string &host, const Change &change) {
+  const FileLock lock(File(host, ".lock"));
+  if (lock.Error()) return false;
+  const auto image = LoadImage(File(host, ".satable"));
+  if (!image) return false;
+  change(*image);
+  return !ReplaceFile(File(host, ".satable"), image.get(), sizeof *image);
+}
+
+}  // namespace fabric

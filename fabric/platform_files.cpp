@@ -1,0 +1,93 @@
+#include "fabric/platform_files.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <sys/file.h>
+
+namespace fabric {
+namespace {
+
+std::error_code LastError() {
+  return {errno, std::generic_category()};
+}
+
+// A file descriptor that is closed at the end of its block.
+class Descriptor {
+ public:
+  Descriptor(const std::filesystem::path &file, int flags)
+      : value_(::open(file.c_str(), flags | O_CLOEXEC, 0666)) {}
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+  ~Descriptor() {
+    if (value_ >= 0) ::close(value_);
+  }
+  [[nodiscard]] int Value() const { return value_; }
+
+ private:
+  int value_;
+};
+
+std::error_code WriteAll(int descriptor, const char *content, std::size_t size) {
+  while (size > 0) {
+    const ssize_t written = ::write(descriptor, content, size);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return LastError();
+    content += written;
+    size -= static_cast<std::size_t>(written);
+  }
+  return {};
+}
+
+std::error_code FlushFolder(const std::filesystem::path &folder) {
+  const Descriptor descriptor(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
+  if (descriptor.Value() < 0 || ::fsync(descriptor.Value()) != 0) return LastError();
+  return {};
+}
+
+std::error_code WriteFlushed(const std::filesystem::path &file, const void *content,
+                             std::size_t size) {
+  const Descriptor descriptor(file, O_WRONLY | O_CREAT | O_TRUNC);
+  if (descriptor.Value() < 0) return LastError();
+  if (auto error = WriteAll(descriptor.Value(), static_cast<const char *>(content), size)) {
+    return error;
+  }
+  if (::fsync(descriptor.Value()) != 0) return LastError();
+  return {};
+}
+
+}  // namespace
+
+FileLock::FileLock(const std::filesystem::path &file)
+    : descriptor_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+  if (descriptor_ < 0) {
+    error_ = LastError();
+    return;
+  }
+  while (::flock(descriptor_, LOCK_EX) != 0) {
+    if (errno == EINTR) continue;
+    error_ = LastError();
+    return;
+  }
+}
+
+FileLock::~FileLock() {
+  if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::error_code ReplaceFile(const std::filesystem::path &file, const void *content,
+                            std::size_t size) {
+  std::filesystem::path scratch = file;
+  scratch += ".tmp";
+  if (auto error = WriteFlushed(scratch, content, size)) return error;
+  if (::rename(scratch.c_str(), file.c_str()) != 0) return LastError();
+  return FlushFolder(file.parent_path());
+}
+
+std::error_code RemoveFile(const std::filesystem::path &file) {
+  if (::unlink(file.c_str()) != 0) return LastError();
+  return FlushFolder(file.parent_path());
+}
+
+}  // namespace fabric
