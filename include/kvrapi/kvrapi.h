@@ -1,4 +1,5 @@
-/* kvrapi: one fabric-wide security configuration among the hosts of a Fibre Channel storage network.
+/* kvrapi: one fabric-wide security configuration among the hosts of a Fibre Channel storage
+ * network.
  *
  * CONVENTIONS
  *
@@ -8,8 +9,8 @@
  *     hosts it may reach, and child groups. Each client, and the MSC, holds one slot, a number from
  *     0 to 245 that means the same in the tables of all hosts.
  *  2. The tables on the hosts' adapters are the only lasting state. The library keeps a model of
- *     them in memory, built by KVR_DiscoverServers; queries read the model, changes write the tables
- *     first and the model after.
+ *     them in memory, built by KVR_DiscoverServers; queries read the model, changes write the
+ * tables first and the model after.
  *  3. Gate. Before KVR_Initialize has succeeded, every other function does nothing, touches none of
  *     its arguments and answers 5999 KVR_ERR_NOT_INITIALIZED (functions that return a result code)
  *     or 0 (functions that return a count, a flag or a handle). The functions below do not repeat
@@ -29,16 +30,16 @@
  *     (systems) or 5011 (groups), otherwise 0. Before the first discovery there are no systems:
  *     *count becomes 0 and the result is 0. A null count, or a null array with a capacity above 0,
  *     is answered with 5007 and nothing is written.
- *  8. Strings. Functions ending in A take or give 8-bit strings, those ending in W UTF-16 strings of
- *     16-bit units (KVR_WCHAR). Strings given are zero-terminated and borrowed for the call. The
+ *  8. Strings. Functions ending in A take or give 8-bit strings, those ending in W UTF-16 strings
+ * of 16-bit units (KVR_WCHAR). Strings given are zero-terminated and borrowed for the call. The
  *     size of a buffer counts characters of its own type, at least 1. A name longer than the buffer
  *     is cut and answered with 5006. A name of exactly the buffer's size, or longer, fills it
  *     WITHOUT a terminating zero; a shorter one is followed by zeros up to the size.
  *  9. Names of groups hold at most 31 characters and need not be unique. Widening makes each byte
  *     one unit; narrowing stops at the first unit above 255.
  * 10. Threads. The library makes no thread and takes no lock: one caller thread at a time. The
- *     discovery library's thread may enter it during a discovery; until that has completed, no other
- *     function may be called.
+ *     discovery library's thread may enter it during a discovery; until that has completed, no
+ * other function may be called.
  * 11. No C++ exception crosses the interface; a callback must not throw. When memory runs out, the
  *     library ends the process rather than go on with a half-built picture.
  */
@@ -79,20 +80,20 @@ typedef void (*KVR_DISCOVERY_CALLBACK)(uintptr_t context);
 
 /* Result codes. */
 #define KVR_OK 0u
-#define KVR_ERR_NOT_MSC 5000u                 /* a configuration is active, this host is not its MSC */
-#define KVR_ERR_NO_NAME 5001u                 /* no buffer, or the group has no name in this form */
-#define KVR_ERR_NO_LOCAL_ADAPTER 5002u        /* the local host has no adapter */
-#define KVR_ERR_ALREADY_MSC 5003u             /* this host is the MSC already */
-#define KVR_ERR_NOT_SECURED 5004u             /* no configuration on this host */
-#define KVR_ERR_MORE_SYSTEMS 5005u            /* the array of systems was too small */
-#define KVR_ERR_NAME_TRUNCATED 5006u          /* the name is longer than the buffer */
-#define KVR_ERR_INVALID_HANDLE 5007u          /* null, dead or unfit handle, or null pointer */
-#define KVR_ERR_SERVERS_FAILED 5008u          /* some hosts failed: KVR_GetLastOpFailedServers */
-#define KVR_ERR_ALREADY_IN_ACG 5009u          /* the host is in the ACG already */
-#define KVR_ERR_NOT_IN_ACG 5010u              /* the host to remove is not in the ACG */
-#define KVR_ERR_MORE_GROUPS 5011u             /* the array of groups was too small */
-#define KVR_ERR_OFFLINE_GROUP 5012u           /* the group stands for a client that was not found */
-#define KVR_ERR_NO_FREE_INDEX 5013u           /* no free slot where the group is to be created */
+#define KVR_ERR_NOT_MSC 5000u          /* a configuration is active, this host is not its MSC */
+#define KVR_ERR_NO_NAME 5001u          /* no buffer, or the group has no name in this form */
+#define KVR_ERR_NO_LOCAL_ADAPTER 5002u /* the local host has no adapter */
+#define KVR_ERR_ALREADY_MSC 5003u      /* this host is the MSC already */
+#define KVR_ERR_NOT_SECURED 5004u      /* no configuration on this host */
+#define KVR_ERR_MORE_SYSTEMS 5005u     /* the array of systems was too small */
+#define KVR_ERR_NAME_TRUNCATED 5006u   /* the name is longer than the buffer */
+#define KVR_ERR_INVALID_HANDLE 5007u   /* null, dead or unfit handle, or null pointer */
+#define KVR_ERR_SERVERS_FAILED 5008u   /* some hosts failed: KVR_GetLastOpFailedServers */
+#define KVR_ERR_ALREADY_IN_ACG 5009u   /* the host is in the ACG already */
+#define KVR_ERR_NOT_IN_ACG 5010u       /* the host to remove is not in the ACG */
+#define KVR_ERR_MORE_GROUPS 5011u      /* the array of groups was too small */
+#define KVR_ERR_OFFLINE_GROUP 5012u    /* the group stands for a client that was not found */
+#define KVR_ERR_NO_FREE_INDEX 5013u    /* no free slot where the group is to be created */
 #define KVR_ERR_RESERVED_COUNT_REDUCED 5014u  /* success, with fewer reserved slots than asked */
 #define KVR_ERR_INVALID_NAME 5015u            /* no name, empty, or 32 characters and more */
 #define KVR_ERR_ALREADY_CLIENT 5016u          /* the system holds a slot already */
@@ -114,7 +115,7 @@ typedef void (*KVR_DISCOVERY_CALLBACK)(uintptr_t context);
 #define KVR_ERR_NOT_BUILT 5998u               /* this version does not offer the change yet */
 #define KVR_ERR_NOT_INITIALIZED 5999u         /* KVR_Initialize has not succeeded */
 
-/* ---- Library state and discovery --------------------------------------------------------------- */
+/* Library state and discovery */
 
 /* Loads this host's adapters, table and role, once per process. Not behind the gate.
  * Results
@@ -154,7 +155,7 @@ KVR_API uint32_t KVR_DiscoverServers(KVR_DISCOVERY_CALLBACK callback,
  * with its tables. Failures are ignored; nothing is asked before a discovery. Result: always 0. */
 KVR_API uint32_t KVR_SyncDiscovery(void) KVR_NOEXCEPT;
 
-/* ---- Systems ----------------------------------------------------------------------------------- */
+/* Systems */
 
 /* Number of discovered systems in the ACG. The local host is never counted. */
 KVR_API uint32_t KVR_GetAcgServerCount(void) KVR_NOEXCEPT;
@@ -185,9 +186,9 @@ KVR_API uint32_t KVR_GetSystemNameA(KVR_SYSTEM system, char *buffer, uint32_t si
 KVR_API uint32_t KVR_GetSystemNameW(KVR_SYSTEM system, KVR_WCHAR *buffer,
                                     uint32_t size) KVR_NOEXCEPT;
 
-/* Lists the systems that the last changes could not write, in name order (convention 7). The mark of
- * each system stored is cleared; those left out for want of room keep theirs.
- * Results: 0; 5005; 5007 for null pointers. */
+/* Lists the systems that the last changes could not write, in name order (convention 7). The mark
+ * of each system stored is cleared; those left out for want of room keep theirs. Results: 0; 5005;
+ * 5007 for null pointers. */
 KVR_API uint32_t KVR_GetLastOpFailedServers(KVR_SYSTEM *systems, uint32_t *count) KVR_NOEXCEPT;
 
 /* 1 when the system holds a slot (a group's client or a backup MSC), else 0; 0 for an invalid
@@ -201,7 +202,7 @@ KVR_API uint32_t KVR_IsServer(KVR_SYSTEM system) KVR_NOEXCEPT;
  * not, so that it could discover them all; else 0; 0 for an invalid handle. */
 KVR_API uint32_t KVR_CanDiscoverAllSystems(KVR_SYSTEM system) KVR_NOEXCEPT;
 
-/* ---- Configuration ----------------------------------------------------------------------------- */
+/* Configuration */
 
 /* Makes this host the MSC of a new configuration, with a random slot, identity and key table. Other
  * hosts join it with KVR_AddServerToACG.
@@ -226,12 +227,11 @@ KVR_API uint32_t KVR_CreateKVR(int32_t *slot) KVR_NOEXCEPT;
  *         of backups are empty, role and counts stay. A repeated call redoes only this step */
 KVR_API uint32_t KVR_DeleteKVR(void) KVR_NOEXCEPT;
 
-/* Replaces the keys of the configuration: writes a new key table to every host of the ACG, and takes
- * it into the local table when at least one host accepted it.
- * Results: 0 (also when the ACG is empty: nothing is written);
- *   5000  a configuration is active and this host is not its MSC
- *   5008  some hosts keep the old keys and are marked (KVR_GetLastOpFailedServers)
- *   5998  not offered by this version; nothing is read or written */
+/* Replaces the keys of the configuration: writes a new key table to every host of the ACG, and
+ * takes it into the local table when at least one host accepted it. Results: 0 (also when the ACG
+ * is empty: nothing is written); 5000  a configuration is active and this host is not its MSC 5008
+ * some hosts keep the old keys and are marked (KVR_GetLastOpFailedServers) 5998  not offered by
+ * this version; nothing is read or written */
 KVR_API uint32_t KVR_GenerateNewKeys(void) KVR_NOEXCEPT;
 
 /* Brings a discovered host into the ACG: writes it a complete table with the configuration's
@@ -308,7 +308,7 @@ KVR_API uint32_t KVR_RemoveBackupMSC(KVR_SYSTEM system) KVR_NOEXCEPT;
  *   5998  not offered by this version; nothing is read or written */
 KVR_API uint32_t KVR_AssignNewMSC(KVR_SYSTEM system) KVR_NOEXCEPT;
 
-/* ---- Access sub-groups ------------------------------------------------------------------------- */
+/* Access sub-groups */
 
 /* Number of top-level groups. */
 KVR_API uint32_t KVR_GetAsgCount(void) KVR_NOEXCEPT;
@@ -364,11 +364,10 @@ KVR_API uint32_t KVR_GetAsgServers(KVR_GROUP group, KVR_SYSTEM *systems,
 KVR_API uint32_t KVR_GetAvailAsgServerCount(KVR_GROUP group) KVR_NOEXCEPT;
 
 /* Lists the hosts that could be added to the group as servers (convention 7): members of the ACG
- * that serve the parent group, where there is one, share a reach identifier with the client, and are
- * neither the client, nor a server of the group, nor, on the MSC, a backup MSC.
- * Results: 0 (an Offline Client group has none); 5005;
- *   5024  this host is a backup MSC
- *   5007  invalid handle or null pointers */
+ * that serve the parent group, where there is one, share a reach identifier with the client, and
+ * are neither the client, nor a server of the group, nor, on the MSC, a backup MSC. Results: 0 (an
+ * Offline Client group has none); 5005; 5024  this host is a backup MSC 5007  invalid handle or
+ * null pointers */
 KVR_API uint32_t KVR_GetAvailAsgServers(KVR_GROUP group, KVR_SYSTEM *systems,
                                         uint32_t *count) KVR_NOEXCEPT;
 
@@ -410,17 +409,12 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
                                 uint32_t *reservedCount, KVR_GROUP *group) KVR_NOEXCEPT;
 
 /* Deletes a group: its servers serve the client no more, and its slots return to the pool they came
- * from. The handle becomes invalid; so does that of an Offline Client group whose last child it was.
- * Results: 0;
- *   5024  this host is a backup MSC
- *   5007  invalid handle
- *   5012  an Offline Client group
- *   5021  the group has child groups
- *   5019  the client's or the parent client's table could not be read or written
- *   5002, 5030  the local table could not be stored
- *   5008  the group is deleted, but some servers could not be written and are marked
- *   5020  the client holds no slot any more
- *   5998  not offered by this version; nothing is read or written */
+ * from. The handle becomes invalid; so does that of an Offline Client group whose last child it
+ * was. Results: 0; 5024  this host is a backup MSC 5007  invalid handle 5012  an Offline Client
+ * group 5021  the group has child groups 5019  the client's or the parent client's table could not
+ * be read or written 5002, 5030  the local table could not be stored 5008  the group is deleted,
+ * but some servers could not be written and are marked 5020  the client holds no slot any more 5998
+ * not offered by this version; nothing is read or written */
 KVR_API uint32_t KVR_DeleteAsg(KVR_GROUP group) KVR_NOEXCEPT;
 
 /* Lets a host serve the group's client: one read and one write of the host's access table.

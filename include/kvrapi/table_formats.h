@@ -72,9 +72,9 @@ typedef struct SaEntry {
 
 /* The head of a SaTable, also exchanged alone; 512 bytes. */
 typedef struct SaTableHeader {
-  uint32_t formatId;       /* KVR_SA_TABLE_FORMAT_ID */
-  uint32_t formatRevision; /* KVR_SA_TABLE_FORMAT_REVISION */
-  uint32_t reserved8[2];   /* 0 */
+  uint32_t formatId;                        /* KVR_SA_TABLE_FORMAT_ID */
+  uint32_t formatRevision;                  /* KVR_SA_TABLE_FORMAT_REVISION */
+  uint32_t reserved8[2];                    /* 0 */
   uint32_t configId[KVR_CONFIG_ID_WORDS];   /* network order: identity of the configuration */
   uint32_t asciiName[KVR_ASCII_NAME_WORDS]; /* network order: name of the group of this client */
   uint32_t wideName[KVR_WIDE_NAME_WORDS];   /* network order: the same name in UTF-16 */

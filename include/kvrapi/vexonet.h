@@ -44,10 +44,10 @@ typedef struct AdapterInfo {
 /* One discovered host; 30,104 bytes. Names are zero-terminated; a name that fills its field
  * without a terminator is taken to be as long as the field. */
 typedef struct DiscoveredSystem {
-  uint32_t excluded;                                 /* nonzero: the host is passed over */
-  char systemName[VEXO_SYSTEM_NAME_CAPACITY];        /* 8-bit name */
-  KVR_WCHAR systemNameW[VEXO_SYSTEM_NAME_CAPACITY];  /* UTF-16 name, or empty */
-  uint32_t adapterCount;                             /* valid entries of adapters, 0 to 100 */
+  uint32_t excluded;                                /* nonzero: the host is passed over */
+  char systemName[VEXO_SYSTEM_NAME_CAPACITY];       /* 8-bit name */
+  KVR_WCHAR systemNameW[VEXO_SYSTEM_NAME_CAPACITY]; /* UTF-16 name, or empty */
+  uint32_t adapterCount;                            /* valid entries of adapters, 0 to 100 */
   AdapterInfo adapters[VEXO_MAX_ADAPTERS];
 } DiscoveredSystem;
 

@@ -1,0 +1,47 @@
+#include "groups/group_servers.h"
+
+#include "model/group_record.h"
+#include "model/local_state.h"
+#include "model/system_registry.h"
+#include "platform/memory.h"
+#include "tables/host_tables.h"
+
+namespace kvr {
+namespace {
+
+std::uint32_t CheckAddition(const GroupRecord *group, const SystemRecord *system) {
+  if (g_isBackupMsc != 0) return KVR_ERR_IS_BACKUP_MSC;
+  if (!IsLive(group) || !IsLive(system)) return KVR_ERR_INVALID_HANDLE;
+  if (IsOffline(*group)) return KVR_ERR_OFFLINE_GROUP;
+  if (system->inAcg == 0) return KVR_ERR_SYSTEM_NOT_IN_ACG;
+  if (ListFind(group->servers, system) != nullptr) return KVR_ERR_ALREADY_ASG_SERVER;
+  if (group->parent != nullptr && ListFind(group->parent->servers, system) == nullptr) {
+    return KVR_ERR_INVALID_HANDLE;
+  }
+  if (ListFind(g_backupMscList, system) != nullptr) return KVR_ERR_IS_BACKUP_MSC;
+  // A deletion of the configuration that stopped halfway may have taken the client's slot.
+  return IsSlot(group->client->saIndex) ? KVR_OK : KVR_ERR_SYSTEM_NOT_IN_ACG;
+}
+
+// Writes whether a host serves the client that holds a slot: one read and one write of its table.
+std::uint32_t WriteService(SystemRecord *system, std::int32_t slot, std::uint32_t serveFlags) {
+  Scratch<AccessControlTable> table;
+  if (const std::uint32_t result = ReadAccessTable(system, *table)) return result;
+  table->entries[slot].serveFlags = serveFlags;
+  return WriteAccessTable(system, *table);
+}
+
+}  // namespace
+
+std::uint32_t AddServerToAsg(KVR_GROUP group, KVR_SYSTEM system) {
+  if (const std::uint32_t refusal = CheckAddition(group, system)) return refusal;
+  const std::int32_t slot = group->client->saIndex;
+  if (const std::uint32_t result = WriteService(system, slot, ACE_SERVES)) return result;
+  SetIndexBit(system->indexBitmap, static_cast<std::uint32_t>(slot));
+  ListInsertSorted(group->servers, system);
+  ++group->serverCount;
+  ++system->asgServerCount;
+  return KVR_OK;
+}
+
+}  // namespace kvr

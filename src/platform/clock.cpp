@@ -1,0 +1,26 @@
+#include "platform/clock.h"
+
+#include <ctime>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <chrono>
+#include <thread>
+#endif
+
+namespace kvr {
+
+std::uint32_t CurrentTimeSeconds() {
+  return static_cast<std::uint32_t>(std::time(nullptr));
+}
+
+void SleepMilliseconds(std::uint32_t duration_ms) {
+#if defined(_WIN32)
+  Sleep(duration_ms);
+#else
+  std::this_thread::sleep_for(std::chrono::milliseconds(duration_ms));
+#endif
+}
+
+}  // namespace kvr
