@@ -10,7 +10,7 @@
  *     0 to 245 that means the same in the tables of all hosts.
  *  2. The tables on the hosts' adapters are the only lasting state. The library keeps a model of
  *     them in memory, built by KVR_DiscoverServers; queries read the model, changes write the
- * tables first and the model after.
+ *     tables first and the model after.
  *  3. Gate. Before KVR_Initialize has succeeded, every other function does nothing, touches none of
  *     its arguments and answers 5999 KVR_ERR_NOT_INITIALIZED (functions that return a result code)
  *     or 0 (functions that return a count, a flag or a handle). The functions below do not repeat
@@ -31,7 +31,7 @@
  *     *count becomes 0 and the result is 0. A null count, or a null array with a capacity above 0,
  *     is answered with 5007 and nothing is written.
  *  8. Strings. Functions ending in A take or give 8-bit strings, those ending in W UTF-16 strings
- * of 16-bit units (KVR_WCHAR). Strings given are zero-terminated and borrowed for the call. The
+ *     of 16-bit units (KVR_WCHAR). Strings given are zero-terminated and borrowed for the call. The
  *     size of a buffer counts characters of its own type, at least 1. A name longer than the buffer
  *     is cut and answered with 5006. A name of exactly the buffer's size, or longer, fills it
  *     WITHOUT a terminating zero; a shorter one is followed by zeros up to the size.
@@ -39,7 +39,7 @@
  *     one unit; narrowing stops at the first unit above 255.
  * 10. Threads. The library makes no thread and takes no lock: one caller thread at a time. The
  *     discovery library's thread may enter it during a discovery; until that has completed, no
- * other function may be called.
+ *     other function may be called.
  * 11. No C++ exception crosses the interface; a callback must not throw. When memory runs out, the
  *     library ends the process rather than go on with a half-built picture.
  */
@@ -187,8 +187,8 @@ KVR_API uint32_t KVR_GetSystemNameW(KVR_SYSTEM system, KVR_WCHAR *buffer,
                                     uint32_t size) KVR_NOEXCEPT;
 
 /* Lists the systems that the last changes could not write, in name order (convention 7). The mark
- * of each system stored is cleared; those left out for want of room keep theirs. Results: 0; 5005;
- * 5007 for null pointers. */
+ * of each system stored is cleared; those left out for want of room keep theirs.
+ * Results: 0; 5005; 5007 for null pointers. */
 KVR_API uint32_t KVR_GetLastOpFailedServers(KVR_SYSTEM *systems, uint32_t *count) KVR_NOEXCEPT;
 
 /* 1 when the system holds a slot (a group's client or a backup MSC), else 0; 0 for an invalid
@@ -228,10 +228,10 @@ KVR_API uint32_t KVR_CreateKVR(int32_t *slot) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_DeleteKVR(void) KVR_NOEXCEPT;
 
 /* Replaces the keys of the configuration: writes a new key table to every host of the ACG, and
- * takes it into the local table when at least one host accepted it. Results: 0 (also when the ACG
- * is empty: nothing is written); 5000  a configuration is active and this host is not its MSC 5008
- * some hosts keep the old keys and are marked (KVR_GetLastOpFailedServers) 5998  not offered by
- * this version; nothing is read or written */
+ * takes it into the local table when at least one host accepted it.
+ * Results: 0 (also when the ACG is empty: nothing is written);
+ *   5000  a configuration is active and this host is not its MSC
+ *   5008  some hosts keep the old keys and are marked (KVR_GetLastOpFailedServers) */
 KVR_API uint32_t KVR_GenerateNewKeys(void) KVR_NOEXCEPT;
 
 /* Brings a discovered host into the ACG: writes it a complete table with the configuration's
@@ -365,9 +365,10 @@ KVR_API uint32_t KVR_GetAvailAsgServerCount(KVR_GROUP group) KVR_NOEXCEPT;
 
 /* Lists the hosts that could be added to the group as servers (convention 7): members of the ACG
  * that serve the parent group, where there is one, share a reach identifier with the client, and
- * are neither the client, nor a server of the group, nor, on the MSC, a backup MSC. Results: 0 (an
- * Offline Client group has none); 5005; 5024  this host is a backup MSC 5007  invalid handle or
- * null pointers */
+ * are neither the client, nor a server of the group, nor, on the MSC, a backup MSC.
+ * Results: 0 (an Offline Client group has none); 5005;
+ *   5024  this host is a backup MSC
+ *   5007  invalid handle or null pointers */
 KVR_API uint32_t KVR_GetAvailAsgServers(KVR_GROUP group, KVR_SYSTEM *systems,
                                         uint32_t *count) KVR_NOEXCEPT;
 
@@ -410,11 +411,17 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
 
 /* Deletes a group: its servers serve the client no more, and its slots return to the pool they came
  * from. The handle becomes invalid; so does that of an Offline Client group whose last child it
- * was. Results: 0; 5024  this host is a backup MSC 5007  invalid handle 5012  an Offline Client
- * group 5021  the group has child groups 5019  the client's or the parent client's table could not
- * be read or written 5002, 5030  the local table could not be stored 5008  the group is deleted,
- * but some servers could not be written and are marked 5020  the client holds no slot any more 5998
- * not offered by this version; nothing is read or written */
+ * was.
+ * Results: 0;
+ *   5024  this host is a backup MSC
+ *   5007  invalid handle
+ *   5012  an Offline Client group
+ *   5021  the group has child groups
+ *   5019  the client's or the parent client's table could not be read or written
+ *   5002, 5030  the local table could not be stored
+ *   5008  the group is deleted, but some servers could not be written and are marked
+ *   5020  the client holds no slot any more
+ *   5998  not offered by this version; nothing is read or written */
 KVR_API uint32_t KVR_DeleteAsg(KVR_GROUP group) KVR_NOEXCEPT;
 
 /* Lets a host serve the group's client: one read and one write of the host's access table.

@@ -4,6 +4,7 @@
 
 #include "config/acg_membership.h"
 #include "config/configuration.h"
+#include "config/key_renewal.h"
 #include "discovery/discovery.h"
 #include "discovery/initialization.h"
 #include "groups/available_servers.h"

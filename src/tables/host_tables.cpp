@@ -92,4 +92,10 @@ std::uint32_t RemoveHostSaTable(const SystemRecord &host) {
   });
 }
 
+std::uint32_t WriteHostKeyTable(const SystemRecord &host, const KeyTable &keys) {
+  return TryAdapters(host, [&](const AdapterAddress &a) {
+    return TQ_WriteKeyTable(a.cred0, a.cred1, a.id0, a.id1, &keys);
+  });
+}
+
 }  // namespace kvr

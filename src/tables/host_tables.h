@@ -41,8 +41,9 @@ std::uint32_t LoadLocalSaTable();
 // Removes the local host's table from its first adapter; the cache stays. 0, 5002 or 5031.
 std::uint32_t RemoveLocalSaTable();
 
-// Writes, or removes, a remote host's whole table: 0 or 5019.
+// Writes a remote host's whole table, removes it, or replaces its keys: 0 or 5019.
 std::uint32_t WriteHostSaTable(const SystemRecord &host, const SaTable &image);
 std::uint32_t RemoveHostSaTable(const SystemRecord &host);
+std::uint32_t WriteHostKeyTable(const SystemRecord &host, const KeyTable &keys);
 
 }  // namespace kvr
