@@ -1,0 +1,49 @@
+// What a command could not do, as one record: thrown where nothing of it was done, carried beside
+// the result where a part was.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "exit_status.h"
+
+namespace kvrctl {
+
+// The exit status that a result code other than 0 leads to.
+ExitStatus StatusOf(std::uint32_t code);
+
+// A host that a change could not be made on, and the library's code for it.
+struct HostFailure {
+  std::string host;
+  std::uint32_t code;
+};
+
+class Failure : public std::exception {
+ public:
+  // A failure that the library has no code for; name is a word for scripts, as "AMBIGUOUS_HOST".
+  Failure(ExitStatus exitStatus, std::string errorName, std::string sentence, std::string wayOut)
+      : status(exitStatus),
+        name(std::move(errorName)),
+        message(std::move(sentence)),
+        hint(std::move(wayOut)) {}
+
+  // The library answered resultCode; doing says what was asked, as "Adding to the ACG", forWhom for
+  // which hosts it failed, or nothing. The exit status follows from the code.
+  Failure(const std::string &doing, std::uint32_t resultCode, const std::string &forWhom = "");
+
+  const char *what() const noexcept override { return message.c_str(); }
+
+  ExitStatus status;
+  std::uint32_t code = 0;  // the library's result code; 0: the failure is not the library's
+  std::string name;
+  std::string message;  // a whole sentence: what was asked, the cause, the code
+  std::string hint;     // a whole sentence: the way out
+  std::vector<HostFailure> failedHosts;
+};
+
+// Throws the Failure of a result code other than 0; doing is as for Failure.
+void Require(const std::string &doing, std::uint32_t code);
+
+}  // namespace kvrctl

@@ -1,0 +1,16 @@
+// The read-only half of `kvrctl group`.
+#pragma once
+
+#include <string>
+
+#include "command.h"
+
+namespace kvrctl {
+
+// Every group of the tree, parents before their children.
+Outcome ListGroups();
+
+// One group with its slots, servers and the hosts that could serve it. Throws Failure.
+Outcome ShowGroup(const std::string &path);
+
+}  // namespace kvrctl

@@ -1,0 +1,90 @@
+// One run's picture of the configuration: the library opened and one discovery done, its hosts and
+// groups as plain records beside their handles.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kvrapi/kvrapi.h"
+
+#include "paths.h"
+#include "show.h"
+
+namespace kvrctl {
+
+// A host that the library lists; the local host is never among them.
+struct Host {
+  KVR_SYSTEM handle = nullptr;
+  std::string name;      // the 8-bit name, or the UTF-16 one where that is empty; UTF-8
+  std::string wideName;  // the UTF-16 name, or empty; UTF-8
+  bool inAcg = false;
+  bool holdsSlot = false;  // a group's client, the MSC or a backup MSC
+  bool backupMsc = false;
+};
+
+struct Group {
+  KVR_GROUP handle = nullptr;
+  std::string name;              // UTF-8; empty where the client's table could not be read
+  std::string path;              // by which it is named on the command line (paths.h)
+  bool offline = false;          // stands for a client that was not found
+  const Host *client = nullptr;  // null for an offline group
+  std::vector<const Host *> servers;
+  std::vector<Group> children;
+};
+
+class Library {
+ public:
+  // Initializes the library and discovers the hosts, waiting until that is complete. Throws Failure
+  // with the cause where this host has nothing to talk to.
+  Library();
+  Library(const Library &) = delete;
+  Library &operator=(const Library &) = delete;
+
+  const std::vector<Host> &Hosts() const { return m_hosts; }
+  const std::vector<Group> &Groups() const { return m_groups; }  // the top level
+
+  // What a reader of its host lists and counts must know; mostly nothing.
+  std::vector<std::string> Notes() const;
+
+  // The host that a user calls by its 8-bit or its UTF-16 name. Throws Failure when there is none,
+  // or more than one.
+  const Host &HostNamed(const std::string &name) const;
+
+  // The group at a path. Throws Failure when there is none, or more than one.
+  const Group &GroupAt(const GroupPath &path) const;
+
+  // The hosts that could be added to the group as servers; none on a backup MSC, which may not
+  // know.
+  std::optional<std::vector<const Host *>> AvailableServers(const Group &group) const;
+
+  // The hosts that the last change could not write; their marks are cleared.
+  std::vector<const Host *> TakeFailedHosts() const;
+
+ private:
+  const Host *Find(KVR_SYSTEM handle) const;
+  std::vector<const Host *> Find(const std::vector<KVR_SYSTEM> &handles) const;
+  std::vector<Group> ReadGroups(KVR_GROUP parent, const std::string &parentPath) const;
+
+  std::vector<Host> m_hosts;
+  std::vector<Group> m_groups;
+  bool m_outsidersWithheld = false;  // this host is secured and not the MSC
+};
+
+// Calls visit(group) for every group below, parents before their children.
+template <class Visit>
+void ForEachGroup(const std::vector<Group> &groups, const Visit &visit) {
+  for (const Group &group : groups) {
+    visit(group);
+    ForEachGroup(group.children, visit);
+  }
+}
+
+// The hosts' names, in their order.
+Json NamesOf(const std::vector<const Host *> &hosts);
+
+// The name of the group's client, or null.
+Json ClientOf(const Group &group);
+
+}  // namespace kvrctl

@@ -1,0 +1,36 @@
+#include "show.h"
+
+namespace kvrctl {
+
+std::string Shown(const Json &value) {
+  if (value.is_null()) return "-";
+  if (value.is_string()) return value.get<std::string>();
+  if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
+  if (!value.is_array()) return value.dump();
+  std::string list;
+  for (const Json &item : value)
+    list += (list.empty() ? "" : ", ") + Shown(item);
+  return list.empty() ? "-" : list;
+}
+
+std::string Table(const Json &rows, const std::vector<Fact> &columns, std::string_view none) {
+  if (rows.empty()) return std::string(none) + '\n';
+  std::vector<std::vector<std::string>> cells(1);
+  for (const Fact &column : columns)
+    cells.front().emplace_back(column.label);
+  for (const Json &row : rows) {
+    std::vector<std::string> &line = cells.emplace_back();
+    for (const Fact &column : columns)
+      line.push_back(Shown(row.at(column.key)));
+  }
+  return Columns(cells);
+}
+
+std::string Sheet(const Json &object, const std::vector<Fact> &lines) {
+  std::vector<std::vector<std::string>> cells;
+  for (const Fact &line : lines)
+    cells.push_back({line.label, Shown(object.at(line.key))});
+  return Columns(cells);
+}
+
+}  // namespace kvrctl

@@ -1,0 +1,42 @@
+// Text made from a command's result, so that what is read says what the JSON form says: the result
+// is built once, as JSON, and the text is a view of it.
+//
+// In text null is "-", true and false are yes and no, a list is joined by ", ".
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "text.h"
+
+namespace kvrctl {
+
+using Json = nlohmann::ordered_json;
+
+// One fact of an object: its key in JSON and what it is called in text.
+struct Fact {
+  const char *key;
+  const char *label;
+};
+
+// One value in text.
+std::string Shown(const Json &value);
+
+// An array of objects as a table with one line each, under a line of labels. With no object, only
+// the sentence `none`.
+std::string Table(const Json &rows, const std::vector<Fact> &columns, std::string_view none);
+
+// One object as lines of label and value.
+std::string Sheet(const Json &object, const std::vector<Fact> &lines);
+
+// A formatted sentence as a line, made printable.
+template <class... Arguments>
+std::string Line(fmt::format_string<Arguments...> format, Arguments &&...arguments) {
+  return Printable(fmt::format(format, std::forward<Arguments>(arguments)...)) + '\n';
+}
+
+}  // namespace kvrctl

@@ -1,0 +1,170 @@
+#include "slot_reader.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "kvrapi/table_formats.h"
+#include "kvrapi/tqlink.h"
+#include "kvrapi/vexonet.h"
+
+#include "text.h"
+
+namespace kvrctl {
+namespace {
+
+// The two words each by which an adapter is addressed.
+struct Address {
+  std::uint32_t credential[2] = {};
+  std::uint32_t id[2] = {};
+};
+
+using Names = std::pair<std::string, std::string>;  // shown name, UTF-16 name
+using Addresses = std::map<Names, std::vector<Address>>;
+
+template <class Character, std::size_t Capacity>
+std::size_t LengthOf(const Character (&field)[Capacity]) {
+  return static_cast<std::size_t>(std::find(field, field + Capacity, Character{}) - field);
+}
+
+Names NamesOf(const DiscoveredSystem &system) {
+  const KVR_WCHAR *wide = system.systemNameW;
+  const std::string wideName = Utf8Of(std::u16string(wide, wide + LengthOf(system.systemNameW)));
+  const std::string name = Utf8OfBytes({system.systemName, LengthOf(system.systemName)});
+  return {name.empty() ? wideName : name, wideName};
+}
+
+std::vector<Address> AddressesOf(const DiscoveredSystem &system) {
+  std::vector<Address> addresses(std::min(system.adapterCount, VEXO_MAX_ADAPTERS));
+  for (std::size_t i = 0; i < addresses.size(); ++i) {
+    const AdapterInfo &adapter = system.adapters[i];
+    std::memcpy(addresses[i].id, adapter.adapterId, sizeof addresses[i].id);
+    if (adapter.credentialValid == 0) continue;
+    std::memcpy(addresses[i].credential, adapter.credential, sizeof addresses[i].credential);
+  }
+  return addresses;
+}
+
+// The discovery in progress: the callback gets no context, so there is one for the process. It
+// fills in the addresses of the hosts that are asked for, once, on whichever thread the event
+// comes.
+struct Discovery {
+  std::mutex mutex;
+  std::condition_variable finished;
+  bool taken = false;
+  bool complete = false;
+  Addresses addresses;  // keyed beforehand by the names to look for
+};
+
+Discovery g_discovery;
+
+void CollectAddresses(Addresses &addresses) {
+  const auto system = std::make_unique<DiscoveredSystem>();
+  Vexo_PauseDiscovery();
+  std::uint32_t delivered = Vexo_GetFirstSystem(system.get());
+  for (; delivered != 0; delivered = Vexo_GetNextSystem(system.get())) {
+    const auto wanted = addresses.find(NamesOf(*system));
+    if (system->excluded != 0 || wanted == addresses.end()) continue;
+    const auto more = AddressesOf(*system);
+    wanted->second.insert(wanted->second.end(), more.begin(), more.end());
+  }
+  Vexo_Terminate();
+}
+
+void OnSystemsReady(std::uint32_t, std::uint32_t) {
+  {
+    const std::lock_guard lock(g_discovery.mutex);
+    if (std::exchange(g_discovery.taken, true)) return;
+  }
+  CollectAddresses(g_discovery.addresses);
+  const std::lock_guard lock(g_discovery.mutex);
+  g_discovery.complete = true;
+  g_discovery.finished.notify_all();
+}
+
+// The addresses of all adapters of the hosts with these names.
+Addresses DiscoverAddresses(Addresses wanted) {
+  {
+    const std::lock_guard lock(g_discovery.mutex);
+    g_discovery.addresses = std::move(wanted);
+    g_discovery.taken = g_discovery.complete = false;
+  }
+  Vexo_RegisterCallBack(OnSystemsReady, 4, 0);
+  Vexo_Startup(1);
+  const auto scratch = std::make_unique<DiscoveredSystem>();
+  if (Vexo_GetFirstSystem(scratch.get()) != 0) {
+    OnSystemsReady(0, 0);
+    Vexo_StartDiscoveryCycle();
+  }
+  std::unique_lock lock(g_discovery.mutex);
+  g_discovery.finished.wait(lock, [] { return g_discovery.complete; });
+  return std::move(g_discovery.addresses);
+}
+
+// The highest slot marked as the table owner's own; roleFlags(i) gives the word of slot i.
+template <class RoleFlags>
+std::optional<std::uint32_t> OwnSlot(const RoleFlags &roleFlags) {
+  for (std::uint32_t slot = KVR_SLOT_COUNT; slot-- > 0;) {
+    if ((roleFlags(slot) & ACE_SELF) != 0) return slot;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::uint32_t> ReadSlot(const std::vector<Address> &adapters) {
+  AccessControlTable table;
+  for (const Address &at : adapters) {
+    std::uint32_t entries = KVR_POSITION_COUNT;
+    if (TQ_ReadAccessControlTable(at.credential[0], at.credential[1], at.id[0], at.id[1], &table,
+                                  &entries) == 0) {
+      return OwnSlot([&](std::uint32_t i) { return table.entries[i].roleFlags; });
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+Slots ReadSlots(const std::vector<Host> &hosts) {
+  std::map<Names, std::uint32_t> bearers;
+  for (const Host &host : hosts)
+    ++bearers[{host.name, host.wideName}];
+
+  std::map<Names, const Host *> holders;
+  Addresses wanted;
+  for (const Host &host : hosts) {
+    const Names names{host.name, host.wideName};
+    if (!host.holdsSlot || bearers[names] > 1) continue;
+    holders[names] = &host;
+    wanted[names] = {};
+  }
+  Slots slots;
+  if (wanted.empty()) return slots;
+  for (const auto &[names, adapters] : DiscoverAddresses(std::move(wanted))) {
+    if (const auto slot = ReadSlot(adapters)) slots[holders[names]] = *slot;
+  }
+  return slots;
+}
+
+Json SlotOf(const Slots &slots, const Host *host) {
+  const auto found = slots.find(host);
+  return found == slots.end() ? Json() : Json(found->second);
+}
+
+Json ReadLocalSlot() {
+  std::uint32_t request[2] = {0, 0};
+  LocalAdapterInfo adapter{};
+  TQ_GetLocalHBAInfo(request, &adapter);
+  std::uint32_t id[2];
+  std::memcpy(id, adapter.localAdapterId, sizeof id);
+  const auto table = std::make_unique<SaTable>();
+  std::uint32_t bytes = KVR_SA_TABLE_SIZE;
+  if (TQ_ReadSaTable(0, 0, id[0], id[1], table.get(), &bytes) != 0) return {};
+  const auto slot = OwnSlot([&](std::uint32_t i) { return table->entries[i].access.roleFlags; });
+  return slot ? Json(*slot) : Json();
+}
+
+}  // namespace kvrctl
