@@ -15,7 +15,9 @@ void AddMembershipCommand(CLI::App &acg, Chosen &chosen, const std::string &name
                           std::uint32_t (*change)(KVR_SYSTEM)) {
   const auto hosts = std::make_shared<std::vector<std::string>>();
   const auto run = [hosts, wording, change] {
-    return ChangeHosts(Library(), *hosts, wording, change);
+    const Library library;
+    library.RequireAllHosts(wording.doing);
+    return ChangeHosts(library, *hosts, wording, change);
   };
   AddCommand(acg, name, description, chosen, run)
       ->add_option("HOST", *hosts, "The hosts, by their 8-bit or UTF-16 names")

@@ -35,7 +35,7 @@ Outcome Destroy() {
   const bool gone = code == KVR_OK;
   Outcome outcome = {{{"here", gone}, {"removed", removed}},
                      Line("The configuration {} here. Removed from other hosts: {}.",
-                          gone ? "is gone" : "remains", Shown(removed)),
+                          gone ? "is gone" : "remains", removed.empty() ? "none" : Shown(removed)),
                      {},
                      std::nullopt};
   if (gone) return outcome;

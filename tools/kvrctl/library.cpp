@@ -93,20 +93,21 @@ Library::Library() {
   if (loaded != KVR_ERR_NOT_SECURED) Require("Initializing the library", loaded);
   Require("Discovering the hosts", KVR_DiscoverServers(nullptr, 0));
 
-  m_outsidersWithheld = KVR_SecurityState() == KVR_OK && KVR_IsMSC() == 0;
-  m_hosts = ReadHosts(
+  outsidersWithheld_ = KVR_SecurityState() == KVR_OK && KVR_IsMSC() == 0;
+  hosts_ = ReadHosts(
       ReadHandles<KVR_SYSTEM>("Listing the ACG", KVR_GetAcgServerCount(), KVR_GetAcgServers));
-  if (!m_outsidersWithheld) {
+  if (!outsidersWithheld_) {
     const auto outside = ReadHosts(ReadHandles<KVR_SYSTEM>(
         "Listing the hosts", KVR_GetUnsecureServerCount(), KVR_GetUnsecureServers));
-    m_hosts.insert(m_hosts.end(), outside.begin(), outside.end());
+    hosts_.insert(hosts_.end(), outside.begin(), outside.end());
   }
   const auto backups = ReadHandles<KVR_SYSTEM>("Listing the backup MSCs", KVR_GetBackupMSCCount(),
                                                KVR_GetBackupMSCs);
-  for (Host &host : m_hosts) {
+  for (Host &host : hosts_) {
+    byHandle_[host.handle] = &host;
     host.backupMsc = std::find(backups.begin(), backups.end(), host.handle) != backups.end();
   }
-  m_groups = ReadGroups(nullptr, "");
+  groups_ = ReadGroups(nullptr, "");
 }
 
 std::vector<Group> Library::ReadGroups(KVR_GROUP parent, const std::string &parentPath) const {
@@ -135,9 +136,8 @@ std::vector<Group> Library::ReadGroups(KVR_GROUP parent, const std::string &pare
 }
 
 const Host *Library::Find(KVR_SYSTEM handle) const {
-  const auto found = std::find_if(m_hosts.begin(), m_hosts.end(),
-                                  [handle](const Host &host) { return host.handle == handle; });
-  return found == m_hosts.end() ? nullptr : &*found;
+  const auto found = byHandle_.find(handle);
+  return found == byHandle_.end() ? nullptr : found->second;
 }
 
 std::vector<const Host *> Library::Find(const std::vector<KVR_SYSTEM> &handles) const {
@@ -148,10 +148,14 @@ std::vector<const Host *> Library::Find(const std::vector<KVR_SYSTEM> &handles) 
   return hosts;
 }
 
+void Library::RequireAllHosts(const std::string &doing) const {
+  if (outsidersWithheld_) throw Failure(doing, KVR_ERR_NOT_MSC);
+}
+
 const Host &Library::HostNamed(const std::string &name) const {
   std::vector<const Host *> found;
   std::vector<std::string> candidates;
-  for (const Host &host : m_hosts) {
+  for (const Host &host : hosts_) {
     if (host.name != name && host.wideName != name) continue;
     found.push_back(&host);
     candidates.push_back(host.wideName.empty() ? host.name
@@ -171,7 +175,7 @@ const Host &Library::HostNamed(const std::string &name) const {
   }
   throw Failure(ExitStatus::Usage, "NO_SUCH_HOST",
                 fmt::format("There is no host '{}' among those that this host sees.", name),
-                m_outsidersWithheld
+                outsidersWithheld_
                     ? "List the hosts with `kvrctl hosts`; those outside the ACG are seen only on "
                       "the MSC."
                     : "List the hosts with `kvrctl hosts`.");
@@ -180,11 +184,11 @@ const Host &Library::HostNamed(const std::string &name) const {
 const Group &Library::GroupAt(const GroupPath &path) const {
   std::vector<const Group *> found;
   if (path.client.empty()) {
-    CollectNamed(m_groups, path.names, 0, found);
+    CollectNamed(groups_, path.names, 0, found);
     return OnlyGroup(found, path);
   }
   const Host &client = HostNamed(path.client);
-  ForEachGroup(m_groups, [&](const Group &group) {
+  ForEachGroup(groups_, [&](const Group &group) {
     if (group.client != &client) return;
     if (path.names.empty()) {
       found.push_back(&group);
@@ -205,13 +209,13 @@ std::optional<std::vector<const Host *>> Library::AvailableServers(const Group &
 }
 
 std::vector<const Host *> Library::TakeFailedHosts() const {
-  const auto room = static_cast<std::uint32_t>(m_hosts.size());
+  const auto room = static_cast<std::uint32_t>(hosts_.size());
   return Find(
       ReadHandles<KVR_SYSTEM>("Listing the hosts that failed", room, KVR_GetLastOpFailedServers));
 }
 
 std::vector<std::string> Library::Notes() const {
-  if (!m_outsidersWithheld) return {};
+  if (!outsidersWithheld_) return {};
   return {"Hosts outside the ACG are seen only on the MSC."};
 }
 

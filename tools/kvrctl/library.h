@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "kvrapi/kvrapi.h"
@@ -42,11 +43,15 @@ class Library {
   Library(const Library &) = delete;
   Library &operator=(const Library &) = delete;
 
-  const std::vector<Host> &Hosts() const { return m_hosts; }
-  const std::vector<Group> &Groups() const { return m_groups; }  // the top level
+  const std::vector<Host> &Hosts() const { return hosts_; }
+  const std::vector<Group> &Groups() const { return groups_; }  // the top level
 
   // What a reader of its host lists and counts must know; mostly nothing.
   std::vector<std::string> Notes() const;
+
+  // Throws Failure (5000) where the hosts outside the ACG are withheld from this host, so that one
+  // of them cannot be named.
+  void RequireAllHosts(const std::string &doing) const;
 
   // The host that a user calls by its 8-bit or its UTF-16 name. Throws Failure when there is none,
   // or more than one.
@@ -67,9 +72,10 @@ class Library {
   std::vector<const Host *> Find(const std::vector<KVR_SYSTEM> &handles) const;
   std::vector<Group> ReadGroups(KVR_GROUP parent, const std::string &parentPath) const;
 
-  std::vector<Host> m_hosts;
-  std::vector<Group> m_groups;
-  bool m_outsidersWithheld = false;  // this host is secured and not the MSC
+  std::vector<Host> hosts_;
+  std::unordered_map<KVR_SYSTEM, const Host *> byHandle_;
+  std::vector<Group> groups_;
+  bool outsidersWithheld_ = false;  // this host is secured and not the MSC
 };
 
 // Calls visit(group) for every group below, parents before their children.

@@ -62,12 +62,19 @@ std::string WordsRead(const CLI::App &app) {
   return words;
 }
 
+// Why the line is refused: a word that nothing takes is named before something that is missing.
+std::string Fault(const CLI::App &app, const CLI::ParseError &error) {
+  const std::vector<std::string> strange = app.remaining(true);
+  if (!strange.empty()) return fmt::format("'{}' has no place here", strange.front());
+  return error.what();
+}
+
 ExitStatus RefuseLine(const CLI::App &app, const CLI::ParseError &error, Form form) {
   const std::string words = WordsRead(app);
   const std::string help = words.empty() ? "kvrctl --help" : "kvrctl " + words + " --help";
   return Render(form, words,
                 Failure(ExitStatus::Usage, "USAGE",
-                        fmt::format("The command line is not understood: {}", error.what()),
+                        fmt::format("The command line is not understood: {}.", Fault(app, error)),
                         fmt::format("`{}` lists what is.", help)));
 }
 

@@ -31,11 +31,15 @@ Failure CauseOfNoAdapter() {
     return NoNetwork("No host of the fabric is named for this run.",
                      "Give --host NAME or set KVR_HOST; `kvrctl fabric show` lists the hosts.");
   }
-  const bool known = std::any_of(description.hosts.begin(), description.hosts.end(),
-                                 [&](const fabric::Host &host) { return host.name == *name; });
-  if (known) return plain;
-  return NoNetwork(fmt::format("The fabric '{}' has no host '{}'.", *folder, *name),
-                   "Choose one of the hosts that `kvrctl fabric show` lists.");
+  const auto host = std::find_if(description.hosts.begin(), description.hosts.end(),
+                                 [&](const fabric::Host &one) { return one.name == *name; });
+  if (host == description.hosts.end()) {
+    return NoNetwork(fmt::format("The fabric '{}' has no host '{}'.", *folder, *name),
+                     "Choose one of the hosts that `kvrctl fabric show` lists.");
+  }
+  if (host->up) return plain;
+  return NoNetwork(fmt::format("Host '{}' is down in the fabric.", *name),
+                   fmt::format("Take it up with `kvrctl fabric set {} --up`.", *name));
 }
 
 }  // namespace

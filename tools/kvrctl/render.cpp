@@ -26,7 +26,9 @@ Json ErrorJson(const Failure &failure) {
 }
 
 void WriteJson(const std::string &command, const Outcome &outcome) {
-  Json object = {{"schema", kSchema}, {"command", command}, {"ok", !outcome.failure}};
+  Json object = {{"schema", kSchema},
+                 {"command", command.empty() ? Json() : Json(command)},
+                 {"ok", !outcome.failure}};
   if (!outcome.result.is_null()) object["result"] = outcome.result;
   if (!outcome.notes.empty()) object["notes"] = outcome.notes;
   if (outcome.failure) object["error"] = ErrorJson(*outcome.failure);
