@@ -2,10 +2,7 @@
 
 #include <cstdio>
 
-#include <fmt/format.h>
-
 #include "result_text.h"
-#include "text.h"
 
 namespace kvrctl {
 namespace {
@@ -25,6 +22,10 @@ Json ErrorJson(const Failure &failure) {
           {"failed_hosts", failedHosts}};
 }
 
+void Write(std::FILE *stream, const std::string &text) {
+  std::fputs(text.c_str(), stream);
+}
+
 void WriteJson(const std::string &command, const Outcome &outcome) {
   Json object = {{"schema", kSchema},
                  {"command", command.empty() ? Json() : Json(command)},
@@ -32,26 +33,25 @@ void WriteJson(const std::string &command, const Outcome &outcome) {
   if (!outcome.result.is_null()) object["result"] = outcome.result;
   if (!outcome.notes.empty()) object["notes"] = outcome.notes;
   if (outcome.failure) object["error"] = ErrorJson(*outcome.failure);
-  fmt::print("{}\n", object.dump(-1, ' ', false, Json::error_handler_t::replace));
+  Write(stdout, object.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
 }
 
 void WriteFailedHosts(const std::vector<HostFailure> &failedHosts) {
   for (const HostFailure &failed : failedHosts) {
     const ResultText &why = TextOf(failed.code);
-    fmt::print(stderr, "  {}: {} ({} {})\n", Printable(failed.host), why.meaning, failed.code,
-               why.name);
+    Write(stderr, "  " + Line("{}: {} ({} {})", failed.host, why.meaning, failed.code, why.name));
   }
 }
 
 void WriteText(const Outcome &outcome) {
-  fmt::print("{}", outcome.text);
+  Write(stdout, outcome.text);
   for (const std::string &note : outcome.notes)
-    fmt::print("{}\n", Printable(note));
+    Write(stdout, Line("{}", note));
   if (!outcome.failure) return;
   std::fflush(stdout);
-  fmt::print(stderr, "kvrctl: {}\n", Printable(outcome.failure->message));
+  Write(stderr, Line("kvrctl: {}", outcome.failure->message));
   if (outcome.failure->failedHosts.size() > 1) WriteFailedHosts(outcome.failure->failedHosts);
-  fmt::print(stderr, "  {}\n", Printable(outcome.failure->hint));
+  Write(stderr, "  " + Line("{}", outcome.failure->hint));
 }
 
 }  // namespace
@@ -61,6 +61,11 @@ ExitStatus Render(Form form, const std::string &command, const Outcome &outcome)
     WriteJson(command, outcome);
   } else {
     WriteText(outcome);
+  }
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    Write(stderr,
+          "kvrctl: The answer could not be written; give standard output room and repeat.\n");
+    return ExitStatus::NothingToTalkTo;
   }
   return outcome.failure ? outcome.failure->status : ExitStatus::Done;
 }

@@ -9,8 +9,9 @@ namespace kvrctl {
 
 enum class Form { ForPeople, ForPrograms };
 
-// Writes an outcome: for people, the result on standard output and a failure on standard error; as
-// JSON, one object on standard output. Returns the exit status.
+// Writes an outcome: for people, the result on standard output and a failure on standard error; for
+// programs, one object on standard output. Returns the exit status; NothingToTalkTo where standard
+// output took no answer.
 ExitStatus Render(Form form, const std::string &command, const Outcome &outcome);
 
 // Writes a failure without a result, as above.
