@@ -1,4 +1,5 @@
-// A simulated network of hosts h1, h2, … in a folder of the test's own, and kvrctl run as any of them.
+// A simulated network of hosts h1, h2, h3 in a folder of the test's own, and kvrctl run as any of
+// them.
 #pragma once
 
 #include <filesystem>

@@ -10,7 +10,7 @@ struct Result {
   std::string err;
 };
 
-// A started kvrctl with its two output streams. Ended and waited for at the latest by the destructor.
+// A started kvrctl with its two output streams, ended and waited for at the latest by the destructor.
 class Process {
  public:
   explicit Process(const std::vector<std::string> &arguments);
@@ -21,8 +21,8 @@ class Process {
   // Reads both streams to their end and waits.
   Result Finish();
 
-  // Reads standard error until it holds `text` this many times; the process gets no more than a page
-  // of output ahead of the reader. False when it ended before.
+  // Reads standard error until it holds `text` this many times; the process gets no more than a
+  // page of output ahead of the reader. False when it ended before.
   bool ReadErrorsUntil(const std::string &text, int times);
 
   void Kill();

@@ -58,7 +58,8 @@ TEST_F(Story, IsRebuiltFromTheTablesByEveryHost) {
   EXPECT_EQ(Shape(ResultOf("h2", {"tree"})), north("north"));
   EXPECT_EQ(ResultOf("h5", {"tree"}), Json::array()) << "a host that only serves sees no groups";
 
-  ASSERT_EQ(Run("h2", {"group", "create", "süd😀", "--client", "h4", "--reserve", "9"}).status, 0);
+  const Words south = {"group", "create", "süd😀", "--client", "h4", "--reserve", "9"};
+  ASSERT_EQ(Run("h2", south).status, 0);
   const Json counts = ResultOf("h1", {"slots", "sales"});
   EXPECT_EQ(counts["free"], 0)
       << "h2 gave its last four slots to h4: one of its own, three to hold";

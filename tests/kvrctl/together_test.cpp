@@ -53,7 +53,7 @@ TEST_F(Together, ReadersAndWritersOfDifferentHostsDoNotDisturbEachOther) {
   EXPECT_EQ(ResultOf("h1", {"status"})["acg"], kHosts - 1);
 }
 
-// The trace holds the writer back: it gets at most a page of lines ahead of the test that reads them.
+// The trace holds the writer back: it gets at most a page of lines ahead of the test that reads it.
 TEST_F(Together, AKilledWriterLeavesWholeTablesAndCanBeRepeated) {
   Words words = Adding(2, kHosts);
   words.push_back("--trace");
