@@ -187,7 +187,7 @@ class Reader {
  private:
   Adapter ReadAdapter(const toml::table &table);
   Host ReadHost(const toml::table &table);
-  Fault ReadFault(const toml::table &table) const;
+  [[nodiscard]] Fault ReadFault(const toml::table &table) const;
   void CheckName(const Section &section, const std::string &name);
 
   std::string file_;
@@ -318,8 +318,8 @@ std::string ReadDescriptionText(const std::filesystem::path &file) {
   std::ifstream input(file, std::ios::binary);
   if (!input || !std::filesystem::is_regular_file(file, ignored)) {
     throw DescriptionError(file.string() +
-                           ":1: cannot be read; a fabric is a folder with a file fabric.toml that "
-                           "names its hosts");
+                           ":1: cannot be read; name the folder of a fabric, or make one with "
+                           "'kvrctl fabric new'");
   }
   return {std::istreambuf_iterator<char>(input), {}};
 }

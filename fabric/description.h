@@ -22,6 +22,8 @@ struct Adapter {
   std::optional<Id8> credential;  // none: the adapter answers to 8 zero bytes
   std::vector<Id8> reachIds;      // at most 5; hosts that share one can reach each other
   bool up = true;
+
+  bool operator==(const Adapter &) const = default;
 };
 
 struct Host {
@@ -30,6 +32,8 @@ struct Host {
   bool up = true;           // false: every adapter fails
   bool excluded = false;    // delivered with its excluded word set
   std::vector<Adapter> adapters;  // at most 100
+
+  bool operator==(const Host &) const = default;
 };
 
 // Lets outside calls fail: those numbered firstCall to firstCall + count - 1 (from 1) of one
@@ -41,6 +45,8 @@ struct Fault {
   std::string function;                  // "TQ_ReadSaTableHeader", ...; "*": any
   std::uint32_t firstCall = 1;
   std::optional<std::uint32_t> count;  // none: from then on
+
+  bool operator==(const Fault &) const = default;
 };
 
 struct Description {
@@ -48,6 +54,8 @@ struct Description {
   std::uint32_t delayMs = 50;  // how much later
   std::vector<Host> hosts;
   std::vector<Fault> faults;
+
+  bool operator==(const Description &) const = default;
 };
 
 // A description that cannot be used; what() is "FILE:LINE: reason".

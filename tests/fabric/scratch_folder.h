@@ -1,0 +1,35 @@
+// A folder of a test's own, removed with everything in it at the end.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+class ScratchFolder {
+ public:
+  ScratchFolder() {
+    const auto *test = testing::UnitTest::GetInstance()->current_test_info();
+    path_ = std::filesystem::path(testing::TempDir()) /
+            (std::string(test->test_suite_name()) + "." + test->name());
+    std::filesystem::remove_all(path_);
+    std::filesystem::create_directories(path_);
+  }
+  ScratchFolder(const ScratchFolder &) = delete;
+  ScratchFolder &operator=(const ScratchFolder &) = delete;
+  ~ScratchFolder() { std::filesystem::remove_all(path_); }
+
+  [[nodiscard]] const std::filesystem::path &Path() const { return path_; }
+  void Put(const std::string &name, const std::string &text) const {
+    std::ofstream(path_ / name, std::ios::binary) << text;
+  }
+  [[nodiscard]] std::string Get(const std::string &name) const {
+    std::ifstream input(path_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(input), {}};
+  }
+
+ private:
+  std::filesystem::path path_;
+};
