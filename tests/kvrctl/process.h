@@ -10,7 +10,7 @@ struct Result {
   std::string err;
 };
 
-// A started kvrctl with its two output streams, ended and waited for at the latest by the destructor.
+// A started kvrctl with its two output streams; the destructor ends it and waits.
 class Process {
  public:
   explicit Process(const std::vector<std::string> &arguments);
