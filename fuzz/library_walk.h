@@ -15,7 +15,7 @@ namespace fuzz {
 void ForgetEverything();
 
 // As a fresh process: loads, discovers and asks every question about every handle; then tries every
-// operation once, on hosts and groups that choice picks, asks again, discovers and asks once more.
+// operation twice, on hosts and groups that choice picks, asks again, discovers and asks once more.
 // Ends the process with a message when an answer breaks a promise of the interface. Forgets
 // everything at the end.
 void UseEverything(std::uint32_t choice);
