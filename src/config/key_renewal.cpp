@@ -1,7 +1,8 @@
 #include "config/key_renewal.h"
 
-#include "config/key_material.h"
 #include "kvrapi/kvrapi.h"
+
+#include "config/key_material.h"
 #include "model/local_state.h"
 #include "model/system_registry.h"
 #include "platform/memory.h"

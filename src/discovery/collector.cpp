@@ -20,18 +20,16 @@ namespace {
 struct Collected {
   std::vector<SystemRecord *> systems;
   std::vector<SystemRecord *> backups;
-  Scratch<SaTableHeader> header;
-  Scratch<AccessControlTable> table;
 };
 
 // Learns from a member's table whom it serves, which slot it holds and whether it is a backup MSC.
 // A table that cannot be read says nothing.
 void ScanMembership(SystemRecord &system, Collected &collected) {
-  AccessControlTable &table = *collected.table;
-  table = {};
+  AccessControlTable table = {};
   if (ReadAccessTable(&system, table) != KVR_OK) return;
   for (std::uint32_t i = 0; i < KVR_SLOT_COUNT; ++i) {
     const AccessEntry &entry = table.entries[i];
+    if ((entry.serveFlags | entry.roleFlags) == 0) continue;
     if ((entry.serveFlags & ACE_SERVES) != 0) SetIndexBit(system.indexBitmap, i);
     if ((entry.roleFlags & ACE_SELF) != 0) system.saIndex = static_cast<std::int32_t>(i);
     if ((entry.roleFlags & ACE_BACKUP_MSC) != 0) collected.backups.push_back(&system);
@@ -39,15 +37,16 @@ void ScanMembership(SystemRecord &system, Collected &collected) {
 }
 
 // Only whether a header can be read counts: a host without a table has none.
-bool IsMember(SystemRecord &system, Collected &collected) {
-  return g_securityActive != 0 && ReadSaHeader(&system, *collected.header) == KVR_OK;
+bool IsMember(SystemRecord &system) {
+  SaTableHeader header;
+  return g_securityActive != 0 && ReadSaHeader(&system, header) == KVR_OK;
 }
 
 void Collect(const DiscoveredSystem &delivered, Collected &collected) {
   if (delivered.excluded != 0) return;
   SystemRecord *system = NewSystemRecord(delivered);
   collected.systems.push_back(system);
-  if (IsMember(*system, collected)) {
+  if (IsMember(*system)) {
     system->inAcg = 1;
     ++g_secureCount;
     if (g_isSecureClient != 0) ScanMembership(*system, collected);

@@ -23,4 +23,10 @@ std::uint32_t SyncDiscovery();
 // What the discovery library calls when systems are ready; both arguments are ignored.
 void OnDiscoveryEvent(std::uint32_t, std::uint32_t) noexcept;
 
+// Whether an event has been taken and is still being worked off.
+bool IsCollecting();
+
+// Lets every later event pass: the library is on its way out of the process.
+void RefuseEvents();
+
 }  // namespace kvr

@@ -99,7 +99,9 @@ void ReleaseLocalState() {
 }
 
 void OnProcessDetach() {
-  ReleaseLocalState();
+  RefuseEvents();
+  // A model that another thread is still building is left to the end of the process.
+  if (!IsCollecting()) ReleaseLocalState();
 }
 
 }  // namespace kvr

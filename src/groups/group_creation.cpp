@@ -4,7 +4,6 @@
 #include "groups/slot_allocation.h"
 #include "model/group_record.h"
 #include "model/local_state.h"
-#include "platform/memory.h"
 #include "platform/text.h"
 #include "tables/host_names.h"
 #include "tables/host_tables.h"
@@ -45,20 +44,19 @@ std::uint32_t CheckCreation(const GroupRecord *parent, const GivenName &name,
 std::uint32_t TakeSlots(const GroupRecord *parent, SystemRecord *client, std::uint32_t reserveCount,
                         std::int32_t *ownIndex) {
   SystemRecord *poolHost = PoolHostOf(parent);
-  Scratch<AccessControlTable> pool;
-  Scratch<AccessControlTable> table;
-  if (const std::uint32_t result = ReadAccessTable(poolHost, *pool)) return result;
-  if (const std::uint32_t result = ReadAccessTable(client, *table)) return result;
+  AccessControlTable pool = {};
+  AccessControlTable table = {};
+  if (const std::uint32_t result = ReadAccessTable(poolHost, pool)) return result;
+  if (const std::uint32_t result = ReadAccessTable(client, table)) return result;
 
-  Scratch<AccessControlTable> before;
-  *before = *table;
-  AllocateIndices(*pool, *table, PoolModeUnder(parent), ownIndex, reserveCount);
+  const AccessControlTable before = table;
+  AllocateIndices(pool, table, PoolModeUnder(parent), ownIndex, reserveCount);
   // The slots counted before the checks may have gone to somebody else since.
   if (*ownIndex < 0) return KVR_ERR_NO_FREE_INDEX;
 
-  if (const std::uint32_t result = WriteAccessTable(client, *table)) return result;
-  const std::uint32_t result = WriteAccessTable(poolHost, *pool);
-  if (result != KVR_OK) WriteAccessTable(client, *before);
+  if (const std::uint32_t result = WriteAccessTable(client, table)) return result;
+  const std::uint32_t result = WriteAccessTable(poolHost, pool);
+  if (result != KVR_OK) WriteAccessTable(client, before);
   return result;
 }
 

@@ -3,7 +3,6 @@
 #include "model/group_record.h"
 #include "model/local_state.h"
 #include "model/system_registry.h"
-#include "platform/memory.h"
 #include "tables/host_tables.h"
 
 namespace kvr {
@@ -25,10 +24,10 @@ std::uint32_t CheckAddition(const GroupRecord *group, const SystemRecord *system
 
 // Writes whether a host serves the client that holds a slot: one read and one write of its table.
 std::uint32_t WriteService(SystemRecord *system, std::int32_t slot, std::uint32_t serveFlags) {
-  Scratch<AccessControlTable> table;
-  if (const std::uint32_t result = ReadAccessTable(system, *table)) return result;
-  table->entries[slot].serveFlags = serveFlags;
-  return WriteAccessTable(system, *table);
+  AccessControlTable table = {};
+  if (const std::uint32_t result = ReadAccessTable(system, table)) return result;
+  table.entries[slot].serveFlags = serveFlags;
+  return WriteAccessTable(system, table);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include "model/group_record.h"
 #include "model/local_state.h"
-#include "platform/memory.h"
 #include "tables/host_tables.h"
 
 namespace kvr {
@@ -10,9 +9,9 @@ namespace {
 
 std::uint32_t CountUnder(KVR_GROUP group, bool (*rule)(const AccessEntry &, PoolMode)) {
   if (group != nullptr && (!IsLive(group) || IsOffline(*group))) return 0;
-  Scratch<AccessControlTable> pool;
-  if (ReadAccessTable(PoolHostOf(group), *pool) != KVR_OK) return 0;
-  return CountSlots(*pool, PoolModeUnder(group), rule);
+  AccessControlTable pool = {};
+  if (ReadAccessTable(PoolHostOf(group), pool) != KVR_OK) return 0;
+  return CountSlots(pool, PoolModeUnder(group), rule);
 }
 
 // The first free slot from a given one on; KVR_SLOT_COUNT when there is none.

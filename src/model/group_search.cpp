@@ -5,6 +5,7 @@ namespace kvr {
 std::uint32_t IsInChildGroups(const GroupRecord *group, const SystemRecord *system,
                               GroupRole role) {
   if (group != nullptr && !IsLive(group)) return 0;
+  if (role == GroupRole::Server && !IsLive(system)) return 0;
   const OrderedList *below = group != nullptr ? group->children : g_topGroups;
   const bool found = AnyGroupBelow(below, [&](const GroupRecord &candidate) {
     if (role == GroupRole::Client) return candidate.client == system;

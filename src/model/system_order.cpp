@@ -76,6 +76,10 @@ void Insert(std::vector<Block> &blocks, const Item &added) {
   }
 }
 
+bool HasWideName(const SystemRecord *system) {
+  return system->discovered.systemNameW[0] != 0;
+}
+
 // Gives each arrival the rank of its name, from 1, equal names sharing one.
 template <class CompareNames>
 void Rank(const std::vector<SystemRecord *> &arrivals, std::vector<std::uint32_t> &order,
@@ -103,8 +107,7 @@ std::vector<Item> RankedItems(const std::vector<SystemRecord *> &arrivals) {
        [](const DiscoveredSystem &a, const DiscoveredSystem &b) {
          return CompareOrdinal(a.systemName, b.systemName, VEXO_SYSTEM_NAME_CAPACITY);
        });
-  std::erase_if(order,
-                [&](std::uint32_t i) { return arrivals[i]->discovered.systemNameW[0] == 0; });
+  std::erase_if(order, [&](std::uint32_t i) { return !HasWideName(arrivals[i]); });
   Rank(arrivals, order, items, &Item::wideRank,
        [](const DiscoveredSystem &a, const DiscoveredSystem &b) {
          return CompareOrdinal(a.systemNameW, b.systemNameW, VEXO_SYSTEM_NAME_CAPACITY);
@@ -112,13 +115,29 @@ std::vector<Item> RankedItems(const std::vector<SystemRecord *> &arrivals) {
   return items;
 }
 
+// Whether each arrival goes to the end of the list: the comparison is transitive where all or none
+// have a UTF-16 name, so that it is enough to look at the neighbour.
+bool ArriveInOrder(const std::vector<SystemRecord *> &arrivals) {
+  const auto wide = std::ranges::count_if(arrivals, HasWideName);
+  if (wide != 0 && static_cast<std::size_t>(wide) != arrivals.size()) return false;
+  const auto misplaced = std::ranges::adjacent_find(
+      arrivals,
+      [](const SystemRecord *a, const SystemRecord *b) { return CompareSystems(b, a) <= 0; });
+  return misplaced == arrivals.end();
+}
+
 }  // namespace
 
 void ListFillSystems(OrderedList &list, const std::vector<SystemRecord *> &arrivals) {
+  ListNode *last = &list.header;
+  if (ArriveInOrder(arrivals)) {
+    for (SystemRecord *arrival : arrivals)
+      last = ListInsertAfter(last, arrival);
+    return;
+  }
   std::vector<Block> blocks(1);
   for (const Item &item : RankedItems(arrivals))
     Insert(blocks, item);
-  ListNode *last = &list.header;
   for (const Block &block : blocks) {
     for (const Item &item : block.items)
       last = ListInsertAfter(last, arrivals[item.arrival]);

@@ -4,7 +4,6 @@
 
 #include "model/group_search.h"
 #include "model/system_registry.h"
-#include "platform/memory.h"
 #include "tables/host_tables.h"
 #include "tables/slot_rules.h"
 
@@ -21,8 +20,8 @@ bool Reserves(const AccessControlTable &table, const GroupRecord &group) {
 }
 
 bool ReadsAndReserves(SystemRecord *host, const GroupRecord &group) {
-  Scratch<AccessControlTable> table;
-  return ReadAccessTable(host, *table) == KVR_OK && Reserves(*table, group);
+  AccessControlTable table = {};
+  return ReadAccessTable(host, table) == KVR_OK && Reserves(table, group);
 }
 
 void Forget(GroupRecord &group) {
@@ -47,11 +46,11 @@ void Discard(GroupRecord &group) {
 // Discards the orphans whose clients' slots the client of a new orphan reserves: they are in its
 // sub-tree, or lost. Returns their number.
 std::uint32_t DiscardReserved(OrderedList *orphans, SystemRecord &client) {
-  Scratch<AccessControlTable> table;
-  if (ReadAccessTable(&client, *table) != KVR_OK) return 0;
+  AccessControlTable table = {};
+  if (ReadAccessTable(&client, table) != KVR_OK) return 0;
   std::uint32_t discarded = 0;
   for (ListNode *node = ListFirst(orphans); node != nullptr;) {
-    if (!Reserves(*table, GroupOf(node))) {
+    if (!Reserves(table, GroupOf(node))) {
       node = ListNext(node);
       continue;
     }
@@ -69,11 +68,11 @@ bool IsOrphan(const SystemRecord &system, const AccessControlTable &local) {
 }
 
 std::uint32_t CollectOrphans(TreeBuilder &builder, OrderedList *orphans) {
-  Scratch<AccessControlTable> local;
-  GetLocalAccessTable(*local);
+  AccessControlTable local = {};
+  GetLocalAccessTable(local);
   std::uint32_t count = 0;
   for (SystemRecord &system : Systems()) {
-    if (!IsOrphan(system, *local)) continue;
+    if (!IsOrphan(system, local)) continue;
     GroupRecord *orphan = builder.MakeClientGroup(system, nullptr);
     builder.BeginWalk();
     builder.BuildChildGroups(*orphan);
@@ -112,12 +111,12 @@ void AttachUnderOffline(TreeBuilder &builder, GroupRecord &upper, GroupRecord &l
 // slot, and hangs that one below the other. Returns the node of the one that was placed, or null.
 ListNode *MergeWithAnother(TreeBuilder &builder, OrderedList *orphans, ListNode *node) {
   GroupRecord &first = GroupOf(node);
-  Scratch<AccessControlTable> table;
-  if (ReadAccessTable(first.client, *table) != KVR_OK) return nullptr;
+  AccessControlTable table = {};
+  if (ReadAccessTable(first.client, table) != KVR_OK) return nullptr;
   for (ListNode *other = ListFirst(orphans); other != nullptr; other = ListNext(other)) {
     if (other == node) continue;
     GroupRecord &second = GroupOf(other);
-    if (Reserves(*table, second)) {
+    if (Reserves(table, second)) {
       AttachUnderOffline(builder, first, second);
       return other;
     }

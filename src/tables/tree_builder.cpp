@@ -1,11 +1,11 @@
 #include "tables/tree_builder.h"
 
-#include <algorithm>
+#include <bit>
+#include <iterator>
 
 #include "model/local_state.h"
 #include "model/system_order.h"
 #include "model/system_registry.h"
-#include "platform/memory.h"
 #include "tables/host_names.h"
 #include "tables/host_tables.h"
 #include "tables/slot_rules.h"
@@ -19,12 +19,21 @@ constexpr std::uint32_t MAX_REPEATS = 4096;
 }  // namespace
 
 TreeBuilder::TreeBuilder() {
+  IndexBitmap held = {};
+  for (SystemRecord &system : Systems()) {
+    if (system.inAcg == 0 || !IsSlot(system.saIndex)) continue;
+    clients_.push_back(&system);
+    SetIndexBit(held, static_cast<std::uint32_t>(system.saIndex));
+  }
   for (SystemRecord &system : Systems()) {
     if (system.inAcg == 0) continue;
-    Member member{&system, {}};
-    std::ranges::copy(system.indexBitmap, member.serves);
-    members_.push_back(member);
-    if (IsSlot(system.saIndex)) clients_.push_back(&system);
+    for (std::uint32_t word = 0; word < std::size(held); ++word) {
+      std::uint32_t served = system.indexBitmap[word] & held[word];
+      for (; served != 0; served &= served - 1) {
+        servers_[32 * word + static_cast<std::uint32_t>(std::countr_zero(served))].push_back(
+            &system);
+      }
+    }
   }
 }
 
@@ -36,10 +45,7 @@ GroupRecord *TreeBuilder::MakeClientGroup(SystemRecord &client, GroupRecord *par
 }
 
 void TreeBuilder::BuildServerList(GroupRecord &group) {
-  std::vector<SystemRecord *> servers;
-  for (const Member &member : members_) {
-    if (TestIndexBit(member.serves, group.client->saIndex)) servers.push_back(member.system);
-  }
+  const std::vector<SystemRecord *> &servers = servers_[group.client->saIndex];
   for (SystemRecord *server : servers)
     ++server->asgServerCount;
   group.serverCount = static_cast<std::uint32_t>(servers.size());
@@ -49,7 +55,6 @@ void TreeBuilder::BuildServerList(GroupRecord &group) {
 
 void TreeBuilder::BeginWalk() {
   met_.clear();
-  repeats_ = 0;
 }
 
 bool TreeBuilder::Admit(const SystemRecord &client) {
@@ -59,11 +64,11 @@ bool TreeBuilder::Admit(const SystemRecord &client) {
 }
 
 void TreeBuilder::MakeChildren(GroupRecord &group) {
-  Scratch<AccessControlTable> table;
-  if (ReadAccessTable(group.client, *table) != KVR_OK) return;
+  AccessControlTable table = {};
+  if (ReadAccessTable(group.client, table) != KVR_OK) return;
   group.children = ListCreate(CompareGroups);
   for (SystemRecord *client : clients_) {
-    if (!IsChild(table->entries[client->saIndex]) || !Admit(*client)) continue;
+    if (!IsChild(table.entries[client->saIndex]) || !Admit(*client)) continue;
     InsertGroup(MakeClientGroup(*client, &group));
   }
 }

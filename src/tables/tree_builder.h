@@ -18,8 +18,8 @@ namespace kvr {
 //
 // Tables may contradict each other. On consistent ones each client is met once; whatever the tables
 // say, a client never stands below its own slot, so the depth is bounded by the number of slots,
-// and once a client met again and again has cost more than a bounded number of further groups it is
-// not built again in the same walk, so the time is polynomial in the number of systems.
+// and only a bounded number of groups is made in all for clients met before in the same walk, so
+// that time and memory are polynomial in the number of systems.
 class TreeBuilder {
  public:
   TreeBuilder();
@@ -42,20 +42,16 @@ class TreeBuilder {
   void BuildChildGroups(GroupRecord &group);
 
  private:
-  // What a server list is made from, kept small: the records are far apart in memory.
-  struct Member {
-    SystemRecord *system;
-    IndexBitmap serves;
-  };
-
   void MakeChildren(GroupRecord &group);
   bool Admit(const SystemRecord &client);
 
-  std::vector<Member> members_;
   std::vector<SystemRecord *> clients_;
+  // By slot of a client, the members of the ACG that serve it, in registry order: asking every
+  // record for every group would touch memory that is far apart.
+  std::vector<SystemRecord *> servers_[KVR_SLOT_COUNT];
   std::bitset<KVR_SLOT_COUNT> path_;              // slots of the groups being built
   std::unordered_set<const SystemRecord *> met_;  // clients met in this walk
-  std::uint32_t repeats_ = 0;                     // groups made in it for clients met before
+  std::uint32_t repeats_ = 0;                     // groups made for clients met before
 };
 
 }  // namespace kvr
