@@ -8,6 +8,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -36,7 +37,7 @@ void Require(std::uint32_t result) {
 
 // One outside call of a discovery, ready to be repeated.
 struct RecordedCall {
-  enum class Kind { Deliver, ReadHeader, ReadAccess, Other } kind;
+  enum class Kind { First, Next, ReadHeader, ReadAccess, Other } kind;
   std::uint32_t words[4];
 };
 
@@ -86,14 +87,16 @@ class SecuredNetwork {
     network_->SetLogging(false);
   }
 
+  static RecordedCall::Kind KindOf(std::string_view function) {
+    if (function == "Vexo_GetFirstSystem") return RecordedCall::Kind::First;
+    if (function == "Vexo_GetNextSystem") return RecordedCall::Kind::Next;
+    if (function == "TQ_ReadSaTableHeader") return RecordedCall::Kind::ReadHeader;
+    if (function == "TQ_ReadAccessControlTable") return RecordedCall::Kind::ReadAccess;
+    return RecordedCall::Kind::Other;
+  }
+
   RecordedCall Recorded(const fabric::CallRecord &call) const {
-    RecordedCall recorded{RecordedCall::Kind::Other, {}};
-    const bool delivers = call.function.ends_with("System");
-    if (delivers && call.result != 0) recorded.kind = RecordedCall::Kind::Deliver;
-    if (call.function == "TQ_ReadSaTableHeader") recorded.kind = RecordedCall::Kind::ReadHeader;
-    if (call.function == "TQ_ReadAccessControlTable") {
-      recorded.kind = RecordedCall::Kind::ReadAccess;
-    }
+    RecordedCall recorded{KindOf(call.function), {}};
     if (call.adapter.has_value()) {
       const fabric::AdapterAddress address = network_->AddressOf(call.host, *call.adapter);
       std::memcpy(recorded.words, address.credential.data(), 8);
@@ -118,15 +121,11 @@ class Floor {
   void Run() {
     Vexo_RegisterCallBack([](std::uint32_t, std::uint32_t) {}, 4, 0);
     Vexo_Startup(1);
-    bool first = true;
+    bool probed = false;  // the first record delivered only tells that there are some
     for (const RecordedCall &call : calls_) {
-      if (call.kind == RecordedCall::Kind::Deliver) {
-        (first ? Vexo_GetFirstSystem : Vexo_GetNextSystem)(delivered_.get());
-        first = false;
-        Keep();
-      } else {
-        Read(call);
-      }
+      if (!Repeat(call)) continue;
+      if (probed) Keep();
+      probed = true;
     }
     Vexo_Terminate();
   }
@@ -144,15 +143,20 @@ class Floor {
     records_.push_back(record);
   }
 
-  void Read(const RecordedCall &call) {
+  // Makes an outside call; whether it delivered a record.
+  bool Repeat(const RecordedCall &call) {
+    using Kind = RecordedCall::Kind;
     const auto &w = call.words;
-    if (call.kind == RecordedCall::Kind::ReadHeader) {
+    if (call.kind == Kind::First) return Vexo_GetFirstSystem(delivered_.get()) != 0;
+    if (call.kind == Kind::Next) return Vexo_GetNextSystem(delivered_.get()) != 0;
+    if (call.kind == Kind::ReadHeader) {
       std::uint32_t bytes = KVR_SA_TABLE_HEADER_SIZE;
       TQ_ReadSaTableHeader(w[0], w[1], w[2], w[3], &header_, &bytes);
-    } else if (call.kind == RecordedCall::Kind::ReadAccess) {
+    } else if (call.kind == Kind::ReadAccess) {
       std::uint32_t entries = KVR_POSITION_COUNT;
       TQ_ReadAccessControlTable(w[0], w[1], w[2], w[3], &table_, &entries);
     }
+    return false;
   }
 
   const std::vector<RecordedCall> &calls_;

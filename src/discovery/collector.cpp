@@ -16,6 +16,9 @@
 namespace kvr {
 namespace {
 
+// The one buffer of the walk: too large for the stack of a thread that is not ours.
+DiscoveredSystem g_delivered;
+
 // What is met during the walk, put into the lists at its end.
 struct Collected {
   std::vector<SystemRecord *> systems;
@@ -57,11 +60,11 @@ void Collect(const DiscoveredSystem &delivered, Collected &collected) {
 }
 
 void WalkDeliveredSystems(Collected &collected) {
-  Scratch<DiscoveredSystem> delivered;
-  for (bool more = Vexo_GetFirstSystem(&*delivered) != 0; more;
-       more = Vexo_GetNextSystem(&*delivered) != 0) {
-    Collect(*delivered, collected);
+  for (bool more = Vexo_GetFirstSystem(&g_delivered) != 0; more;
+       more = Vexo_GetNextSystem(&g_delivered) != 0) {
+    Collect(g_delivered, collected);
   }
+  SecureZero(&g_delivered, sizeof g_delivered);
 }
 
 }  // namespace
