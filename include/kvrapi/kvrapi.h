@@ -318,7 +318,8 @@ KVR_API uint32_t KVR_GetAsgCount(void) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_GetAsgs(KVR_GROUP *groups, uint32_t *count) KVR_NOEXCEPT;
 
 /* Copies a group's 8-bit name into the buffer (convention 8).
- *   size  capacity of the buffer in characters; a name has at most 31.
+ *   size  capacity of the buffer in characters; a name has at most 31, or 32 where a stranger's table
+ *         holds one without a terminator.
  * The buffer's first character is set to zero before any check.
  * Results: 0;
  *   5007  invalid handle
@@ -472,10 +473,10 @@ KVR_API uint32_t KVR_ModifyReservedIndexCount(KVR_GROUP group, uint32_t *count) 
 KVR_API uint32_t KVR_AssignNewClient(KVR_GROUP group, KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* 1 when the system is the client of a group anywhere below the given one (group or null), else 0;
- * 0 for an invalid group. The group itself is not tested. */
+ * 0 for an invalid group. The group itself is not tested, and the system is only compared. */
 KVR_API uint32_t KVR_IsClientInChildAsg(KVR_GROUP group, KVR_SYSTEM system) KVR_NOEXCEPT;
 
-/* As KVR_IsClientInChildAsg for the servers of the groups below. */
+/* As KVR_IsClientInChildAsg for the servers of the groups below; 0 for an invalid system. */
 KVR_API uint32_t KVR_IsServerInChildAsg(KVR_GROUP group, KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* Number of direct child groups; null: of top-level groups; an invalid handle: 0. */
@@ -487,7 +488,8 @@ KVR_API uint32_t KVR_GetChildAsgCount(KVR_GROUP group) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_GetChildAsgs(KVR_GROUP group, KVR_GROUP *groups, uint32_t *count) KVR_NOEXCEPT;
 
 /* 1 when the group is an Offline Client group: it stands for a client that was not found, above
- * groups that were. 0 for every other group and for null. */
+ * groups that were. 0 for every other group and for null. Also answers for an Offline Client group that
+ * has left the tree with its last child, so the handle's magic number is not looked at. */
 KVR_API uint32_t KVR_IsAsgOffline(KVR_GROUP group) KVR_NOEXCEPT;
 
 #if defined(__cplusplus)
