@@ -318,8 +318,8 @@ KVR_API uint32_t KVR_GetAsgCount(void) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_GetAsgs(KVR_GROUP *groups, uint32_t *count) KVR_NOEXCEPT;
 
 /* Copies a group's 8-bit name into the buffer (convention 8).
- *   size  capacity of the buffer in characters; a name has at most 31, or 32 where a stranger's table
- *         holds one without a terminator.
+ *   size  capacity of the buffer in characters; a name has at most 31, or 32 where a stranger's
+ *         table holds one without a terminator.
  * The buffer's first character is set to zero before any check.
  * Results: 0;
  *   5007  invalid handle
@@ -488,8 +488,8 @@ KVR_API uint32_t KVR_GetChildAsgCount(KVR_GROUP group) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_GetChildAsgs(KVR_GROUP group, KVR_GROUP *groups, uint32_t *count) KVR_NOEXCEPT;
 
 /* 1 when the group is an Offline Client group: it stands for a client that was not found, above
- * groups that were. 0 for every other group and for null. Also answers for an Offline Client group that
- * has left the tree with its last child, so the handle's magic number is not looked at. */
+ * groups that were. 0 for every other group and for null. Also answers for an Offline Client group
+ * that has left the tree with its last child: the handle's magic number is not looked at. */
 KVR_API uint32_t KVR_IsAsgOffline(KVR_GROUP group) KVR_NOEXCEPT;
 
 #if defined(__cplusplus)
