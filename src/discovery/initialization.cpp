@@ -102,6 +102,7 @@ void OnProcessDetach() {
   RefuseEvents();
   // A model that another thread is still building is left to the end of the process.
   if (!IsCollecting()) ReleaseLocalState();
+  SecureZero(&g_localSaTable, sizeof g_localSaTable);
 }
 
 }  // namespace kvr
