@@ -70,7 +70,7 @@ TEST(Repository, RoomsIncludeOnlyFromTheirFloorDown) {
   const std::map<std::string, int> floors = {{"platform", 0}, {"model", 1},  {"tables", 2},
                                              {"config", 3},   {"groups", 4}, {"discovery", 4},
                                              {"api", 5},      {"fabric", 6}, {"tools", 7}};
-  const std::regex include(R"re(^\s*#\s*include\s*["<]([a-z]+)/)re");
+  const std::regex include(R"re(^\s*#\s*include\s*["<](?:\.\./)*(?:src/)?([a-z]+)/)re");
   ForEachFile(std::regex("^(src|fabric|tools)/.*\\.(h|cpp)$"), [&](const std::string &file) {
     const bool library = file.starts_with("src/");
     const std::string path = library ? file.substr(4) : file;
