@@ -212,7 +212,7 @@ KVR_API uint32_t KVR_CanDiscoverAllSystems(KVR_SYSTEM system) KVR_NOEXCEPT;
  *   5003  this host is the MSC already
  *   5002  no local adapter
  *   5029  the local adapter refused the new table
- * On failure no configuration is active; *slot is unchanged. */
+ * After 5002 or 5029 no configuration is active; after any failure *slot is unchanged. */
 KVR_API uint32_t KVR_CreateKVR(int32_t *slot) KVR_NOEXCEPT;
 
 /* Takes the configuration down: removes the table of every host of the ACG, empties the model of
@@ -385,8 +385,9 @@ KVR_API uint32_t KVR_GetUsedIndexCount(KVR_GROUP group) KVR_NOEXCEPT;
  *   parent         the group under which it stands, or null for the top level.
  *   name           at most 31 characters; may be empty.
  *   client         a member of the ACG without a slot; below a parent, one of the parent's servers.
- *   reservedCount  in: slots to set aside for the client's own child groups; out: the number
- *                  granted, where it was reduced. Null: 0 asked.
+ *   reservedCount  in: slots to set aside for the client's own child groups; out: the number there
+ *                  is room for, where that is less, set before the tables are read and kept also
+ *                  when a later step fails. Null: 0 asked.
  *   group          receives the new group; set to null once the checks are passed, and left so on
  *                  failure. Null: the handle is not delivered.
  * Results: 0;
@@ -397,12 +398,12 @@ KVR_API uint32_t KVR_GetUsedIndexCount(KVR_GROUP group) KVR_NOEXCEPT;
  *   5016  the client holds a slot already
  *   5015  no name, or 32 characters and more
  *   5020  the client is not in the ACG
- *   5013  no free slot
+ *   5013  no free slot, or the parent client's table could not be read to count them
  *   5019  the client's or the parent client's table could not be read or written
  *   5002, 5030  the local table could not be stored
- * After a failed write the client's table is restored, as far as it can be reached; the model is
- * unchanged. That the name could not be stored, or a backup MSC not brought up to date, is not
- * reported. */
+ * After a failed write the client's table is restored, as far as it can be reached, and the model
+ * is unchanged; after 5002 or 5030 the slots stay taken in this process's copy of the local table.
+ * That the name could not be stored, or a backup MSC not brought up to date, is not reported. */
 KVR_API uint32_t KVR_CreateAsgA(KVR_GROUP parent, const char *name, KVR_SYSTEM client,
                                 uint32_t *reservedCount, KVR_GROUP *group) KVR_NOEXCEPT;
 

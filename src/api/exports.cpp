@@ -116,7 +116,7 @@ std::uint32_t KVR_DeleteKVR() noexcept {
   return Result(DeleteKVR);
 }
 std::uint32_t KVR_GenerateNewKeys() noexcept {
-  return NotBuilt();
+  return Result(GenerateNewKeys);
 }
 
 std::uint32_t KVR_AddServerToACG(KVR_SYSTEM system) noexcept {

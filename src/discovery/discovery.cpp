@@ -1,7 +1,5 @@
 #include "discovery/discovery.h"
 
-#include <thread>
-
 #include "kvrapi/vexonet.h"
 
 #include "discovery/collector.h"
@@ -9,6 +7,7 @@
 #include "model/release.h"
 #include "platform/clock.h"
 #include "platform/memory.h"
+#include "platform/thread.h"
 #include "tables/synchronization.h"
 
 namespace kvr {
@@ -21,69 +20,105 @@ std::atomic<std::uint32_t> g_discoveryActive = 0;
 namespace {
 
 constexpr std::uint32_t POLL_INTERVAL_MS = 250;
+constexpr std::uint32_t HOLD_INTERVAL_MS = 1;
 
 std::atomic<bool> g_eventsRefused = false;
-std::atomic<std::thread::id> g_collectingThread;
+std::atomic<ThreadId> g_collectingThread = NO_THREAD;  // works an event off
+std::atomic<ThreadId> g_holdingThread = NO_THREAD;     // keeps events of other threads waiting
 
 extern "C" void ForwardDiscoveryEvent(std::uint32_t first, std::uint32_t second) {
   OnDiscoveryEvent(first, second);
-}
-
-// Ends only when the event has been worked off, not when it has merely been taken. The thread that
-// works it off, in the caller's callback, does not wait for itself.
-void WaitUntilCollected() {
-  if (IsCollecting() && g_collectingThread.load() == std::this_thread::get_id()) return;
-  while (g_discoveryActive != 0)
-    SleepMilliseconds(POLL_INTERVAL_MS);
-}
-
-// Starts the discovery library; returns whether it knew systems already, which were then collected.
-bool StartDiscovery() {
-  Vexo_RegisterCallBack(ForwardDiscoveryEvent, 4, 0);
-  g_discoveryActive = 1;
-  Vexo_Startup(1);
-  DiscoveredSystem unused;
-  if (Vexo_GetFirstSystem(&unused) == 0) return false;
-  SecureZero(&unused, sizeof unused);
-  OnDiscoveryEvent(0, 0);
-  return true;
-}
-
-}  // namespace
-
-void OnDiscoveryEvent(std::uint32_t, std::uint32_t) noexcept {
-  if (g_eventsRefused || g_discoveryDone.exchange(1) != 0) return;
-  g_collectingThread = std::this_thread::get_id();
-  Vexo_PauseDiscovery();
-  CollectSystems();
-  if (g_discoveryCallback != nullptr) g_discoveryCallback(g_discoveryContext);
-  Vexo_Terminate();
-  g_collectingThread = std::thread::id();
-  g_discoveryActive = 0;
 }
 
 bool IsCollecting() {
   return g_discoveryActive != 0 && g_discoveryDone != 0;
 }
 
-void RefuseEvents() {
+// Ends only when the event has been worked off, not when it has merely been taken. A thread that
+// works it off does not wait for itself.
+void WaitUntilCollected() {
+  while (g_discoveryActive != 0 && g_collectingThread != CurrentThread()) {
+    SleepMilliseconds(POLL_INTERVAL_MS);
+  }
+}
+
+// Keeps an event that another thread takes from now on waiting, after one that is being worked off
+// has come to its end. The discovery library's list and the model are the caller's meanwhile.
+void HoldEvents() {
+  for (;;) {
+    g_holdingThread = CurrentThread();
+    if (!IsCollecting() || g_collectingThread == CurrentThread()) return;
+    g_holdingThread = NO_THREAD;
+    WaitUntilCollected();
+  }
+}
+
+void LetEventsPass() {
+  g_holdingThread = NO_THREAD;
+}
+
+void WaitWhileHeld() {
+  for (;;) {
+    const ThreadId holder = g_holdingThread;
+    if (holder == NO_THREAD || holder == CurrentThread()) return;
+    SleepMilliseconds(HOLD_INTERVAL_MS);
+  }
+}
+
+// Whether the discovery library knows systems already.
+bool KnowsSystems() {
+  DiscoveredSystem unused;
+  HoldEvents();
+  const bool known = Vexo_GetFirstSystem(&unused) != 0;
+  LetEventsPass();
+  if (known) SecureZero(&unused, sizeof unused);
+  return known;
+}
+
+// Starts the discovery library; returns whether it knew systems already, which are then collected,
+// unless an event on its own thread has come first.
+bool StartDiscovery() {
+  Vexo_RegisterCallBack(ForwardDiscoveryEvent, 4, 0);
+  g_discoveryActive = 1;
+  Vexo_Startup(1);
+  const bool known = KnowsSystems();
+  if (known) OnDiscoveryEvent(0, 0);
+  return known;
+}
+
+}  // namespace
+
+void OnDiscoveryEvent(std::uint32_t, std::uint32_t) noexcept {
+  if (g_discoveryDone.exchange(1) != 0 || g_eventsRefused) return;
+  g_collectingThread = CurrentThread();
+  WaitWhileHeld();
+  Vexo_PauseDiscovery();
+  CollectSystems();
+  if (g_discoveryCallback != nullptr) g_discoveryCallback(g_discoveryContext);
+  Vexo_Terminate();
+  g_collectingThread = NO_THREAD;
+  g_discoveryActive = 0;
+}
+
+bool RefuseEvents() {
   g_eventsRefused = true;
+  return g_discoveryDone.exchange(1) == 0 || g_discoveryActive == 0;
 }
 
 std::uint32_t DiscoverServers(KVR_DISCOVERY_CALLBACK callback, std::uintptr_t context) {
-  // The former discovery has called its callback, but its thread has not come to the end of it.
-  if (IsCollecting()) WaitUntilCollected();
+  HoldEvents();
   // Discovery reads what the hosts serve, not whether switch access is on: that flag stays.
   const std::uint32_t switchAccess = g_switchAccessEnabled;
   ReleaseModel();
   g_switchAccessEnabled = switchAccess;
   g_discoveryCallback = callback;
   g_discoveryContext = context;
-  g_discoveryDone = 0;
-  const bool started = g_discoveryActive == 0 && StartDiscovery();
-  // The event may have been taken by the discovery library's thread, which is still at it.
-  if (callback == nullptr) WaitUntilCollected();
-  if (started) Vexo_StartDiscoveryCycle();
+  const bool idle = g_discoveryActive == 0;
+  if (idle) g_discoveryDone = 0;
+  LetEventsPass();
+  const bool known = idle && StartDiscovery();
+  if (known || callback == nullptr) WaitUntilCollected();
+  if (known) Vexo_StartDiscoveryCycle();
   return KVR_OK;
 }
 

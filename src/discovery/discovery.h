@@ -23,10 +23,8 @@ std::uint32_t SyncDiscovery();
 // What the discovery library calls when systems are ready; both arguments are ignored.
 void OnDiscoveryEvent(std::uint32_t, std::uint32_t) noexcept;
 
-// Whether an event has been taken and is still being worked off.
-bool IsCollecting();
-
-// Lets every later event pass: the library is on its way out of the process.
-void RefuseEvents();
+// Turns every later event away, for good: the library is on its way out of the process. Returns
+// whether the model can be released, which it can't while another thread is working an event off.
+bool RefuseEvents();
 
 }  // namespace kvr

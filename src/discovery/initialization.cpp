@@ -99,9 +99,9 @@ void ReleaseLocalState() {
 }
 
 void OnProcessDetach() {
-  RefuseEvents();
-  // A model that another thread is still building is left to the end of the process.
-  if (!IsCollecting()) ReleaseLocalState();
+  // A thread that is still at work on the model and the tables goes on with them to its end.
+  if (!RefuseEvents()) return;
+  ReleaseLocalState();
   SecureZero(&g_localSaTable, sizeof g_localSaTable);
 }
 

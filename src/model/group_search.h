@@ -30,9 +30,9 @@ bool AnyGroupBelow(const OrderedList *groups, Visit visit) {
 // What IsInChildGroups looks for.
 enum class GroupRole { Client, Server };
 
-// 1 when the system is the client, or a server, of a group below the given one (null: of any group),
-// else 0. The group itself is not tested; a group that is not live gives 0, and so does a server that
-// is not live. A client is only compared.
+// 1 when the system is the client, or a server, of a group below the given one (null: of any
+// group), else 0. The group itself is not tested; a group that is not live gives 0, and so does a
+// server that is not live. A client is only compared.
 std::uint32_t IsInChildGroups(const GroupRecord *group, const SystemRecord *system, GroupRole role);
 
 // Takes a system out of the servers of every group of a list, which may be null, and below.
