@@ -1,22 +1,18 @@
-// A folder of a test's own, removed with everything in it at the end.
+// A folder of a test's own, removed with everything in it at the end. A process has one at a time;
+// those of processes that run at the same time differ.
 #pragma once
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 class ScratchFolder {
  public:
-  ScratchFolder() {
-    const auto *test = testing::UnitTest::GetInstance()->current_test_info();
-    path_ = std::filesystem::path(testing::TempDir()) /
-            (std::string(test->test_suite_name()) + "." + test->name());
-    std::filesystem::remove_all(path_);
-    std::filesystem::create_directories(path_);
-  }
+  ScratchFolder() { std::filesystem::create_directories(path_); }
   ScratchFolder(const ScratchFolder &) = delete;
   ScratchFolder &operator=(const ScratchFolder &) = delete;
   ~ScratchFolder() { std::filesystem::remove_all(path_); }
@@ -31,5 +27,6 @@ class ScratchFolder {
   }
 
  private:
-  std::filesystem::path path_;
+  const std::filesystem::path path_ =
+      std::filesystem::path(testing::TempDir()) / ("kvrapi-test." + std::to_string(getpid()));
 };

@@ -2,10 +2,7 @@
 // them.
 #pragma once
 
-#include <filesystem>
-#include <string>
-#include <unistd.h>
-#include <vector>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -14,37 +11,37 @@
 
 #include "fabric/description.h"
 #include "process.h"
+#include "scratch_folder.h"
 
 using Json = nlohmann::json;
 using Words = std::vector<std::string>;
 
 class FabricFolder : public testing::Test {
  protected:
-  ~FabricFolder() override { std::filesystem::remove_all(folder); }
-
   void Describe(std::uint32_t hosts) {
     network = fabric::MakeDescription(hosts, 1);
-    for (std::size_t i = 0; i < network.hosts.size(); ++i) {
+    for (std::size_t i = 0; i < hosts; ++i) {
       network.hosts[i].name = "h" + std::to_string(i + 1);
-      network.hosts[i].wideName =
-          u"Wïrt-" + std::u16string(1, static_cast<char16_t>(u'a' + i % 26));
+      network.hosts[i].wideName = std::u16string(u"Wïrt-") + static_cast<char16_t>(u'a' + i);
     }
-    fabric::SaveDescription(folder, network);
+    Save();
   }
 
-  void FailAlways(const std::string &host, const std::string &function) {
-    network.faults.push_back({host, std::nullopt, function, 1, std::nullopt});
-    fabric::SaveDescription(folder, network);
-  }
+  void Save() const { fabric::SaveDescription(folder.Path(), network); }
 
-  [[nodiscard]] Words Line(const std::string &host, const Words &words) const {
-    Words line = {"--fabric", folder.string(), "--host", host};
-    line.insert(line.end(), words.begin(), words.end());
-    return line;
+  [[nodiscard]] Words Line(const std::string &host, Words words) const {
+    words.insert(words.end(), {"--fabric", folder.Path().string(), "--host", host});
+    return words;
   }
 
   [[nodiscard]] Result Run(const std::string &host, const Words &words) const {
     return Process(Line(host, words)).Finish();
+  }
+
+  // Runs the commands as h1; false when one fails.
+  [[nodiscard]] bool RunAll(const std::vector<Words> &commands) const {
+    return std::all_of(commands.begin(), commands.end(),
+                       [&](const Words &words) { return Run("h1", words).status == 0; });
   }
 
   // Runs the command in the JSON form and expects this exit status.
@@ -62,17 +59,14 @@ class FabricFolder : public testing::Test {
   // Expects every stored image to have the size of one, and returns how many there are.
   [[nodiscard]] std::size_t WholeImages() const {
     std::size_t count = 0;
-    for (const auto &file : std::filesystem::directory_iterator(folder / "tables")) {
-      if (file.path().extension() != ".satable") continue;
-      EXPECT_EQ(file.file_size(), KVR_SA_TABLE_SIZE) << file.path();
-      ++count;
+    for (const auto &file : std::filesystem::directory_iterator(folder.Path() / "tables")) {
+      const bool image = file.path().extension() == ".satable";
+      EXPECT_TRUE(!image || file.file_size() == KVR_SA_TABLE_SIZE) << file.path();
+      count += image;
     }
     return count;
   }
 
-  const std::filesystem::path folder =
-      std::filesystem::path(testing::TempDir()) /
-      (std::string("kvrctl.") + testing::UnitTest::GetInstance()->current_test_info()->name() +
-       "." + std::to_string(getpid()));
+  const ScratchFolder folder;
   fabric::Description network;
 };

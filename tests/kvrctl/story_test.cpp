@@ -9,31 +9,25 @@ class Story : public FabricFolder {
   // h1 is the MSC; sales (client h2, servers h3 and h4) has the child north (client h3, server h4).
   void SetUp() override {
     Describe(7);
-    for (const Words &words : {Words{"create"},
-                               {"acg", "add", "h2", "Wïrt-c", "h4", "h5"},
-                               {"group", "create", "sales", "--client", "h2", "--reserve", "5"},
-                               {"group", "add-server", "sales", "h3", "h4"},
-                               {"group", "create", "sales/north", "--client", "h3"},
-                               {"group", "add-server", "@h3", "h4"}}) {
-      const Result result = Run("h1", words);
-      ASSERT_EQ(result.status, 0) << result.err;
-    }
+    ASSERT_TRUE(RunAll({{"create"},
+                        {"acg", "add", "h2", "Wïrt-c", "h4", "h5"},
+                        {"group", "create", "sales", "--client", "h2", "--reserve", "5"},
+                        {"group", "add-server", "sales", "h3", "h4"},
+                        {"group", "create", "sales/north", "--client", "h3"},
+                        {"group", "add-server", "@h3", "h4"}}));
   }
 };
 
-Json Node(const std::string &path, const Json &client, const Words &servers, const Json &children) {
-  return {{"path", path}, {"client", client}, {"servers", servers}, {"children", children}};
-}
-
-// A tree without what differs from run to run or is told by the path.
-Json Shape(const Json &tree) {
-  Json shape = Json::array();
+// Each group as path, client, servers and, in brackets, the groups below.
+std::string Outline(const Json &tree) {
+  std::string text;
   for (const Json &node : tree) {
     EXPECT_EQ(node["offline"], node["client"].is_null());
     EXPECT_EQ(node["slot"].is_null(), node["client"].is_null());
-    shape.push_back(Node(node["path"], node["client"], node["servers"], Shape(node["children"])));
+    text += node["path"].get<std::string>() + " " + node["client"].dump() + node["servers"].dump() +
+            "(" + Outline(node["children"]) + ")";
   }
-  return shape;
+  return text;
 }
 
 // Expects every name and number of the result somewhere in the text; what the tree draws as nesting
@@ -50,64 +44,48 @@ void ExpectFactsIn(const std::string &text, const Json &facts) {
 }
 
 TEST_F(Story, IsRebuiltFromTheTablesByEveryHost) {
-  const auto north = [](const std::string &path) {
-    return Json::array({Node(path, "h3", {"h4"}, Json::array())});
-  };
-  EXPECT_EQ(Shape(ResultOf("h1", {"tree"})),
-            Json::array({Node("sales", "h2", {"h3", "h4"}, north("sales/north"))}));
-  EXPECT_EQ(Shape(ResultOf("h2", {"tree"})), north("north"));
-  EXPECT_EQ(ResultOf("h5", {"tree"}), Json::array()) << "a host that only serves sees no groups";
+  EXPECT_EQ(Outline(ResultOf("h1", {"tree"})),
+            R"(sales "h2"["h3","h4"](sales/north "h3"["h4"]()))");
+  EXPECT_EQ(Outline(ResultOf("h2", {"tree"})), R"(north "h3"["h4"]())");
+  EXPECT_EQ(Outline(ResultOf("h5", {"tree"})), "") << "a host that only serves sees no groups";
 
   const Words south = {"group", "create", "süd😀", "--client", "h4", "--reserve", "9"};
   ASSERT_EQ(Run("h2", south).status, 0);
-  const Json counts = ResultOf("h1", {"slots", "sales"});
-  EXPECT_EQ(counts["free"], 0)
-      << "h2 gave its last four slots to h4: one of its own, three to hold";
-  EXPECT_EQ(counts["used"], 5);
+  EXPECT_EQ(ResultOf("h1", {"slots", "sales"})["free"], 0)
+      << "h4 got the last four: one of its own, three to hold";
   EXPECT_EQ(ResultOf("h1", {"group", "show", "sales/süd😀"})["free"], 3);
 
   std::map<std::string, Json> hosts;
   for (const Json &host : ResultOf("h1", {"hosts"}))
     hosts[host["name"]] = host;
-  EXPECT_EQ(hosts.size(), 6u);
   EXPECT_EQ(hosts["h3"]["client_of"], "sales/north");
   EXPECT_EQ(hosts["h4"]["serves"], Json({"sales", "sales/north"}));
   EXPECT_TRUE(hosts["h5"]["in_acg"] && hosts["h5"]["slot"].is_null() && !hosts["h6"]["in_acg"]);
   EXPECT_EQ(hosts["h2"]["slot"], ResultOf("h2", {"status"})["slot"]);
   const Json status = ResultOf("h1", {"status"});
-  EXPECT_TRUE(status["msc"] && status["secured"] && status["host"] == "h1");
-  EXPECT_EQ(status["groups"], 3);
-  EXPECT_EQ(status["acg"], 4);
+  EXPECT_TRUE(status["msc"] && status["groups"] == 3 && status["acg"] == 4) << status;
 }
 
 TEST_F(Story, ShowsWhatHangsBelowAHostThatIsDownAsOffline) {
   network.knownAtStart = false;  // the discovery's event comes from a thread of its own
-  fabric::SaveDescription(folder, network);
-  ASSERT_EQ(Run("h1", {"fabric", "set", "h2", "--down"}).status, 0);
-  const Json north = Node("Offline Client/north", "h3", {"h4"}, Json::array());
-  EXPECT_EQ(Shape(ResultOf("h1", {"tree"})),
-            Json::array({Node("Offline Client", nullptr, {}, Json::array({north}))}));
+  Save();
+  ASSERT_TRUE(RunAll({{"fabric", "set", "h2", "--down"}}));
+  EXPECT_EQ(Outline(ResultOf("h1", {"tree"})),
+            R"(Offline Client null[](Offline Client/north "h3"["h4"]()))");
   const std::string text = Run("h1", {"tree"}).out;
   EXPECT_NE(text.find("Offline Client  (offline)"), std::string::npos) << text;
   EXPECT_NE(text.find("└─ north"), std::string::npos) << text;
-
-  ASSERT_EQ(Run("h1", {"fabric", "set", "h2", "--up"}).status, 0);
-  EXPECT_EQ(ResultOf("h1", {"tree"})[0]["client"], "h2");
 }
 
 TEST_F(Story, SaysTheSameFactsInBothForms) {
-  for (const Words &words : std::vector<Words>{{"status"},
-                                               {"hosts"},
-                                               {"tree"},
-                                               {"slots"},
-                                               {"slots", "sales"},
-                                               {"group", "list"},
-                                               {"group", "show", "sales"},
-                                               {"fabric", "show"}}) {
+  for (const Words &words : {Words{"status"},
+                             {"hosts"},
+                             {"tree"},
+                             {"slots", "sales"},
+                             {"group", "show", "sales"},
+                             {"fabric", "show"}}) {
     SCOPED_TRACE(words.front());
-    const Result text = Run("h1", words);
-    EXPECT_EQ(text.err, "");
-    ExpectFactsIn(text.out, ResultOf("h1", words));
+    ExpectFactsIn(Run("h1", words).out, ResultOf("h1", words));
   }
   const Json made = Ask("h1", {"group", "create", "\x1b[2J", "--client", "h5", "--reserve", "245"});
   EXPECT_EQ(made["result"]["granted"], 238) << "of 245 six went to sales, one to the client";
@@ -118,22 +96,20 @@ TEST_F(Story, SaysTheSameFactsInBothForms) {
 }
 
 TEST_F(Story, GoesOnPastHostsThatFail) {
-  ASSERT_EQ(Run("h1", {"fabric", "set", "h6", "--down"}).status, 0);
+  ASSERT_TRUE(RunAll({{"fabric", "set", "h6", "--down"}}));
   const Json added = Ask("h1", {"acg", "add", "h6", "h7", "h5"}, 4);
   EXPECT_EQ(added["result"]["done"], Json({"h7"}));
-  EXPECT_EQ(added["error"]["code"], 5019);
   const Json expected = {{{"host", "h6"}, {"code", 5019}, {"name", "KVR_ERR_REMOTE_ACCESS_FAILED"}},
                          {{"host", "h5"}, {"code", 5009}, {"name", "KVR_ERR_ALREADY_IN_ACG"}}};
   EXPECT_EQ(added["error"]["failed_hosts"], expected);
 
-  FailAlways("h4", "TQ_RemoveSaTable");
+  network.faults = {{"h4", {}, "TQ_RemoveSaTable", 1, {}}};
+  Save();
   const Json left = Ask("h1", {"destroy"}, 4);
-  EXPECT_EQ(left["error"]["code"], 5008);
-  EXPECT_EQ(left["error"]["failed_hosts"][0]["host"], "h4");
   EXPECT_EQ(left["result"]["removed"], Json({"h2", "h3", "h5", "h7"}));
   EXPECT_EQ(WholeImages(), 2u);
   network.faults.clear();
-  fabric::SaveDescription(folder, network);
+  Save();
   EXPECT_TRUE(ResultOf("h1", {"destroy"})["here"]);
   EXPECT_EQ(WholeImages(), 0u);
 }
