@@ -1,0 +1,114 @@
+// Creating the configuration, its refusals, and the table of a host that joins.
+#include <cstring>
+
+#include "support/world.h"
+
+using namespace kvrtest;
+
+namespace {
+
+// The generator as the platform's srand and rand have it.
+struct Reference {
+  std::uint32_t state;
+  std::uint32_t Draw() { return (state = state * 214013 + 2531011) >> 16 & 0x7FFF; }
+  std::uint32_t NonZero() {
+    const std::uint32_t draw = Draw();
+    return draw != 0 ? draw : NonZero();
+  }
+};
+
+TEST(CreateKVR, MakesSlotIdentityAndKeysFromTheClock) {
+  std::optional<KeyEntry> switchKey;
+  std::uint32_t substitutes[4] = {};  // of zero bytes, as they are met
+  const auto expectWord = [&](std::uint32_t word, Reference &reference) {
+    const std::uint32_t high = reference.NonZero(), drawn = high << 16 | reference.NonZero();
+    for (std::uint32_t p = 0; p < 4; ++p) {
+      const std::uint32_t byte = drawn >> 8 * p & 0xFF, actual = word >> 8 * p & 0xFF;
+      if (byte == 0 && substitutes[p] == 0) substitutes[p] = actual;
+      ASSERT_EQ(actual, byte != 0 ? byte : substitutes[p]);
+      ASSERT_NE(actual, 0u);
+    }
+  };
+  for (g_now = 999'999'999; g_now < 1'000'000'003; ++g_now) {
+    const World world({"M", "A"});
+    world.As("M");
+    std::int32_t slot = -1;
+    ASSERT_EQ(KVR_CreateKVR(&slot), KVR_OK);
+    Reference forSlot{g_now}, forIdentity{g_now}, forKeys{g_now};
+    const SaTable table = *world->Image("M");
+    SaTable expected = MakeImage("M");
+    expected.header = {257, 1, {}, {}, {}, {}, {}};
+    std::ranges::copy(table.header.configId, expected.header.configId);
+    for (std::uint32_t n = 0; n < KVR_POSITION_COUNT; ++n)
+      expected.entries[n].key = table.entries[n].key;
+    expected.entries[forSlot.Draw() % 246].access.roleFlags = ACE_SELF | ACE_MSC;
+    EXPECT_TRUE(Same(table, expected) && Same(table, kvr::g_localSaTable));
+    EXPECT_EQ(table.entries[slot].access.roleFlags, 3u);
+    for (const std::uint32_t word : table.header.configId)
+      expectWord(__builtin_bswap32(word), forIdentity);
+    for (std::uint32_t n = 0; n < KVR_POSITION_COUNT; ++n) {
+      const KeyEntry &key = table.entries[n].key;
+      EXPECT_EQ(key.keyLength + key.reserved, 64u);
+      for (const std::uint32_t word : key.keyMaterial)
+        n != KVR_SWITCH_POSITION ? expectWord(word, forKeys)
+                                 : void(forKeys.NonZero() + forKeys.NonZero());
+    }
+    if (!switchKey) switchKey = table.entries[246].key;
+    EXPECT_EQ(std::memcmp(&*switchKey, &table.entries[246].key, sizeof(KeyEntry)), 0);
+  }
+}
+
+TEST(AddServerToACG, GivesTheHostEverythingButRelations) {
+  for (const std::uint32_t switchAccess : {0u, 7u}) {
+    const World world({"M", "A"});
+    world.As("M");
+    std::int32_t slot = -1;
+    KVR_CreateKVR(&slot);
+    kvr::g_switchAccessEnabled = switchAccess;
+    const std::string model = Model();
+    EXPECT_EQ(KVR_AddServerToACG(System("A")), KVR_OK);
+    SaTable expected = *world->Image("M");
+    expected.entries[slot].access = {ACE_SERVES, 0, 0, 0};
+    expected.entries[246].access.serveFlags = switchAccess != 0 ? 1 : 0;
+    EXPECT_TRUE(Same(*world->Image("A"), expected));
+    EXPECT_EQ(KVR_RemoveServerFromACG(System("A")), KVR_OK);
+    EXPECT_EQ(world->Image("A"), std::nullopt);
+    EXPECT_EQ(Model(), model);
+  }
+}
+
+TEST(Configuration, RefusesWithoutTouchingAnything) {
+  const auto wrong = [] { return reinterpret_cast<KVR_SYSTEM>(Group("A")); };
+  const auto create = [] { return KVR_CreateKVR(nullptr); };
+  const struct {
+    const char *hosts;  // as each of these
+    std::function<std::uint32_t()> change;
+    std::uint32_t code;
+  } cases[] = {
+      {"A K S", create, KVR_ERR_NOT_MSC},
+      {"M", create, KVR_ERR_ALREADY_MSC},
+      {"A K S", KVR_DeleteKVR, KVR_ERR_NOT_MSC},
+      {"U", KVR_DeleteKVR, KVR_ERR_NOT_SECURED},
+      {"A K S", [] { return KVR_AddServerToACG(nullptr); }, KVR_ERR_NOT_MSC},
+      {"U", [] { return KVR_AddServerToACG(nullptr); }, KVR_ERR_NOT_SECURED},
+      {"M", [] { return KVR_AddServerToACG(nullptr); }, KVR_ERR_INVALID_HANDLE},
+      {"M", [&] { return KVR_AddServerToACG(wrong()); }, KVR_ERR_INVALID_HANDLE},
+      {"M", [] { return KVR_AddServerToACG(System("A")); }, KVR_ERR_ALREADY_IN_ACG},
+      {"A K S", [] { return KVR_RemoveServerFromACG(nullptr); }, KVR_ERR_NOT_MSC},
+      {"M U", [] { return KVR_RemoveServerFromACG(nullptr); }, KVR_ERR_INVALID_HANDLE},
+      {"M", [] { return KVR_RemoveServerFromACG(System("U")); }, KVR_ERR_NOT_IN_ACG},
+      {"M", [] { return KVR_RemoveServerFromACG(System("A")); }, KVR_ERR_SYSTEM_IS_CLIENT},
+      {"M", [] { return KVR_RemoveServerFromACG(System("K")); }, KVR_ERR_SYSTEM_IS_CLIENT}};
+  const World world({"M 5=3 10=4", "A 10=1 s5", "K 5=21 10=4 s5", "S s5", "U"});
+  for (const auto &[hosts, change, code] : cases) {
+    for (const std::string &host : Words(hosts)) {
+      world.As(host);
+      const std::string model = Model();
+      EXPECT_EQ(change(), code) << host;
+      EXPECT_EQ(world.Calls(), "");
+      EXPECT_EQ(Model(), model);
+    }
+  }
+}
+
+}  // namespace

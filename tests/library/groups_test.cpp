@@ -1,0 +1,164 @@
+// Groups: the order of the refusals, the slots that a new group takes, names and searches.
+#include "support/world.h"
+
+using namespace kvrtest;
+
+namespace {
+
+// The network that the refusals start from. The client of slot 11 is missing, so D's group hangs
+// below an Offline Client.
+const std::vector<std::string> kTables = {
+    "M 5=3 10=4 11=8 12=8 13=4", "A 10=1 11=14 12=18 s5", "D 12=1 s5", "E 13=1 s5", "S s5", "U"};
+
+// What is wrong is put right one after another, so that each code shows although everything after
+// it is wrong as well.
+using Repairs = std::vector<std::pair<std::uint32_t, std::function<void()>>>;
+
+void ExpectInOrder(const World &world, const Repairs &repairs,
+                   std::function<std::uint32_t()> change) {
+  for (const auto &[code, repair] : repairs) {
+    const fabric::ImageSet before = world->Images();
+    EXPECT_EQ(change(), code);
+    EXPECT_EQ(world->Images(), before) << code;
+    repair();
+  }
+  EXPECT_EQ(change(), KVR_OK);
+}
+
+TEST(CreateAsg, RefusesInOrder) {
+  const World world(kTables);
+  world.As("M");
+  kvr::g_isBackupMsc = 1;
+  const std::string longest(31, 'x');
+  std::string name = longest + "x";
+  KVR_SYSTEM s = System("S"), client = reinterpret_cast<KVR_SYSTEM>(Group("A"));
+  KVR_GROUP parent = reinterpret_cast<KVR_GROUP>(s), made = parent;
+  s->saIndex = 7;
+  s->inAcg = 0;
+  std::uint32_t reserve = 0;
+  const Repairs repairs = {{KVR_ERR_IS_BACKUP_MSC, [] { kvr::g_isBackupMsc = 0; }},
+                           {KVR_ERR_INVALID_HANDLE, [&] { parent = Group("?"); }},
+                           {KVR_ERR_INVALID_HANDLE, [&] { client = nullptr; }},
+                           {KVR_ERR_INVALID_HANDLE, [&] { client = s; }},
+                           {KVR_ERR_OFFLINE_GROUP, [&] { parent = Group("A"); }},
+                           {KVR_ERR_ALREADY_CLIENT, [&] { s->saIndex = -1; }},
+                           {KVR_ERR_INVALID_NAME, [&] { name = longest; }},
+                           {KVR_ERR_SYSTEM_NOT_IN_ACG, [&] { s->inAcg = 1; }},
+                           {KVR_ERR_INVALID_HANDLE, [&] { ListInsertSorted(parent->servers, s); }},
+                           {KVR_ERR_NO_FREE_INDEX, [&] {
+                              EXPECT_EQ(KVR_GetFreeIndexCount(parent), 0u);
+                              EXPECT_EQ(made, reinterpret_cast<KVR_GROUP>(s))
+                                  << "untouched by a refusal";
+                              world.Plant("A 10=1 11=14 12=18 14=10");
+                            }}};
+  ExpectInOrder(world, repairs,
+                [&] { return KVR_CreateAsgA(parent, name.c_str(), client, &reserve, &made); });
+  EXPECT_EQ(made, Group("S"));
+  EXPECT_EQ(KVR_CreateAsgA(nullptr, nullptr, System("D"), nullptr, nullptr),
+            KVR_ERR_ALREADY_CLIENT);
+  s->saIndex = -1;
+  EXPECT_EQ(KVR_CreateAsgW(nullptr, nullptr, s, nullptr, nullptr), KVR_ERR_INVALID_NAME);
+  EXPECT_EQ(KVR_CreateAsgW(nullptr, std::u16string(32, u'x').c_str(), s, nullptr, nullptr),
+            KVR_ERR_INVALID_NAME);
+}
+
+TEST(AddServerToAsg, RefusesInOrder) {
+  const World world(kTables);
+  world.As("M");
+  kvr::g_isBackupMsc = 1;
+  KVR_SYSTEM s = System("S"), system = nullptr;
+  KVR_GROUP group = reinterpret_cast<KVR_GROUP>(s), d = Group("D"), e = Group("E");
+  d->parent = e;
+  s->inAcg = 0;
+  ListInsertSorted(d->servers, s);
+  ListInsertSorted(kvr::g_backupMscList, s);
+  const Repairs repairs = {
+      {KVR_ERR_IS_BACKUP_MSC, [] { kvr::g_isBackupMsc = 0; }},
+      {KVR_ERR_INVALID_HANDLE, [&] { group = Group("?"); }},
+      {KVR_ERR_INVALID_HANDLE, [&] { system = s; }},
+      {KVR_ERR_OFFLINE_GROUP, [&] { group = d; }},
+      {KVR_ERR_SYSTEM_NOT_IN_ACG, [&] { s->inAcg = 1; }},
+      {KVR_ERR_ALREADY_ASG_SERVER, [&] { ListUnlink(ListFirst(d->servers), 0); }},
+      {KVR_ERR_INVALID_HANDLE, [&] { ListInsertSorted(e->servers, s); }},
+      {KVR_ERR_IS_BACKUP_MSC, [] { ListUnlink(ListFirst(kvr::g_backupMscList), 0); }}};
+  world.Calls();
+  ExpectInOrder(world, repairs, [&] { return KVR_AddServerToAsg(group, system); });
+  EXPECT_EQ(world.Calls(), "ReadAccessControlTable:S WriteAccessControlTable:S");
+  EXPECT_TRUE(Same(*world->Image("S"), MakeImage("S s5 s12")));
+}
+
+TEST(CreateAsg, TakesTheLowestFreeSlotsOfItsPool) {
+  const std::string five = "A 9=1 10=10 11=10 12=10 13=10 14=10 246=10 s0", one = "A 9=1 20=10 s0";
+  const struct {
+    std::string host, pool, parent;  // acting host, pool host's table, client of the parent
+    std::uint32_t free, used, asked, granted;
+    const char *poolAfter, *clientAfter;  // unless empty
+  } cases[] = {
+      {"M", "M 0=3 9=4 244=8 s1", "", 242, 3, 2, 2, "M 0=3 2=4 3=8 4=8 9=4 244=8 s1",
+       "S 2=1 3=10 4=10 s0"},
+      {"M", "M 0=3 9=4 244=8 s1", "", 242, 3, 300, 241, "", ""},
+      {"A", "A 9=1 10=10 11=14 12=18 13=10 s0", "", 2, 2, 1, 1, "A 9=1 10=14 11=14 12=18 13=18 s0",
+       "S 10=1 13=10 s0"},
+      {"M", five, "A", 5, 0, 0, 0, "A 9=1 10=14 11=10 12=10 13=10 14=10 246=10 s0", "S 10=1 s0 s9"},
+      {"M", five, "A", 5, 0, 4, 4, "A 9=1 10=14 11=18 12=18 13=18 14=18 246=10 s0", ""},
+      {"M", five, "A", 5, 0, 5, 4, "", ""},
+      {"M", five, "A", 5, 0, 10, 4, "", ""},
+      {"M", one, "A", 1, 0, 0, 0, "A 9=1 20=14 s0", "S 20=1 s0 s9"},
+      {"M", one, "A", 1, 0, 1, 0, "A 9=1 20=14 s0", "S 20=1 s0 s9"}};
+  for (const auto &[host, pool, parent, free, used, asked, granted, poolAfter, clientAfter] :
+       cases) {
+    SCOPED_TRACE(fmt::format("{} {}", pool, asked));
+    const World world({"M 0=3 9=4", "A 9=1 s0", parent.empty() ? "S s0" : "S s0 s9"});
+    world.Plant(pool);
+    world.As(host);
+    KVR_GROUP group = Group(parent), made = nullptr;
+    EXPECT_EQ(KVR_GetFreeIndexCount(group), free);
+    EXPECT_EQ(KVR_GetUsedIndexCount(group), used);
+    std::uint32_t count = asked;
+    EXPECT_EQ(KVR_CreateAsgW(group, u"s", System("S"), &count, &made),
+              granted < asked ? KVR_ERR_RESERVED_COUNT_REDUCED : KVR_OK);
+    EXPECT_EQ(count, granted);
+    EXPECT_EQ(KVR_GetFreeIndexCount(group), free - granted - 1);
+    EXPECT_EQ(KVR_GetUsedIndexCount(group), used + granted + 1);
+    const SaTable poolTable = *world->Image(pool.substr(0, 1)), clientTable = *world->Image("S");
+    EXPECT_TRUE(*poolAfter == 0 || Same(poolTable, MakeImage(poolAfter)));
+    EXPECT_TRUE(*clientAfter == 0 || Same(clientTable, MakeImage(clientAfter)));
+    // Only the form of the name that was given is in the model until the tables are read again.
+    char name[2] = {'?', '?'};
+    EXPECT_EQ(KVR_GetAsgNameA(made, name, 2), KVR_ERR_NO_NAME);
+    EXPECT_EQ(name[0], 0);
+    const std::string model = Model();
+    world.As(host);
+    EXPECT_EQ(Model(), model);
+    EXPECT_EQ(KVR_GetAsgNameA(Group("S"), name, 2), KVR_OK);
+  }
+}
+
+TEST(GroupQueries, LookBelowAGroupAndKnowAnOfflineClient) {
+  const World world(kTables);
+  world.Plant("S s5 s12");
+  world.As("M");
+  ASSERT_EQ(Tree(), "A10(?(D12{S})) E13");
+  const struct {
+    const char *group;
+    std::uint32_t servesBelow, isClientBelow, children;
+  } cases[] = {{"", 1, 1, 2}, {"A", 1, 1, 1}, {"?", 1, 1, 1}, {"D", 0, 0, 0}, {"E", 0, 0, 0}};
+  for (const auto &[group, servesBelow, isClientBelow, children] : cases) {
+    EXPECT_EQ(KVR_IsServerInChildAsg(Group(group), System("S")), servesBelow) << group;
+    EXPECT_EQ(KVR_IsClientInChildAsg(Group(group), System("D")), isClientBelow) << group;
+    EXPECT_EQ(KVR_GetChildAsgCount(Group(group)), children) << group;
+  }
+  KVR_GROUP offline = Group("?");
+  char name[15] = {};
+  std::uint32_t count = 5;
+  EXPECT_EQ(KVR_GetAsgNameA(offline, name, 14), KVR_ERR_OFFLINE_GROUP);
+  EXPECT_STREQ(name, "Offline Client");
+  EXPECT_EQ(KVR_GetAsgNameA(offline, name, 13), KVR_ERR_NAME_TRUNCATED);
+  EXPECT_EQ(KVR_GetAvailAsgServers(offline, nullptr, &(count = 0)), KVR_OK);
+  EXPECT_EQ(KVR_GetFreeIndexCount(offline) + KVR_GetAvailAsgServerCount(Group("D")), 0u)
+      << "what hangs below has no servers to choose from";
+  EXPECT_TRUE(KVR_IsAsgOffline(offline) == 1 && KVR_IsAsgOffline(Group("A")) == 0);
+  EXPECT_EQ(KVR_GetAsgClient(offline), nullptr);
+}
+
+}  // namespace
