@@ -55,7 +55,6 @@ TEST(Description, SurvivesBeingSavedAndLoaded) {
   description.hosts[3].excluded = true;
   description.hosts[4].name = "it's a host's [name] = #1";
   description.hosts[5].wideName = u"\"\\\n\u007F\u00DF\u20AC\U0001F4BE";
-  description.hosts[6].adapters.clear();
   description.hosts[7].adapters[0].credential.reset();
   std::vector<Adapter> &adapters = description.hosts[8].adapters;
   for (std::uint8_t n = 0; adapters.size() < 100; ++n)

@@ -98,12 +98,14 @@ TEST(Network, ViewsCoverTheirBytesAndNoOthers) {
   }
 }
 
-TEST(Network, FaultsHitTheirCalls) {
+TEST(Network, FaultsHitTheirCallsAndNoOthers) {
   Description description = ThreeHosts();
   description.faults = {{"there", 1, "TQ_syncSecurityConfig", 2, 2},
                         {"bare", {}, "*", 1, {}},
                         {"there", 0, "TQ_RemoveSaTable", 1, {}}};
   Network &network = Use(description);
+  LocalAdapterInfo info;
+  EXPECT_EQ(network.GetLocalAdapter(network.LocalAdapterCount() - 1, &info), 0u) << "the last";
   network.FailCall(1);
   network.FailFromCall(9);
   std::string results;

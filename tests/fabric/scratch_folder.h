@@ -14,7 +14,6 @@ class ScratchFolder {
  public:
   ScratchFolder() { std::filesystem::create_directories(path_); }
   ScratchFolder(const ScratchFolder &) = delete;
-  ScratchFolder &operator=(const ScratchFolder &) = delete;
   ~ScratchFolder() { std::filesystem::remove_all(path_); }
 
   [[nodiscard]] const std::filesystem::path &Path() const { return path_; }
