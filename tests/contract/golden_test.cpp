@@ -1,25 +1,24 @@
 // The stored bytes of known situations, committed as texts: the library writes exactly these, and
 // reads what an earlier version wrote. Images that no version wrote have what becomes of them
 // beside them. The target golden_update writes the expected texts anew.
-#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <map>
-#include <memory>
 #include <span>
 #include <sstream>
 #include <string>
+#include <vector>
 
-#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gtest/gtest.h>
 
-#include "kvrapi/kvrapi.h"
-
-#include "fabric/current.h"
-#include "library_walk.h"
+#include "support/world.h"
 
 namespace {
+
+using kvrtest::World;
+
+const std::vector<std::string> HOSTS = {"M", "A", "B", "C", "D"};
 
 std::string ReadGolden(const std::string &name) {
   std::ifstream file(GOLDEN_DIR "/" + name, std::ios::binary);
@@ -71,133 +70,52 @@ SaTable ImageOf(const std::string &text) {
   return image;
 }
 
-// A name as the library delivers it, whatever bytes it has.
-template <class Handle, class Ask>
-std::string NameOf(Handle handle, Ask ask) {
-  std::array<char, KVR_NAME_CAPACITY + 1> name{};
-  ask(handle, name.data(), KVR_NAME_CAPACITY);
-  return name.data();
-}
-
-template <class List>
-std::string SystemsText(List list) {
-  std::array<KVR_SYSTEM, 16> systems{};
-  std::uint32_t count = systems.size();
-  if (list(systems.data(), &count) != KVR_OK) return " not listed";
-  std::string text;
-  for (std::uint32_t i = 0; i < count; ++i)
-    text += " " + NameOf(systems[i], KVR_GetSystemNameA) + (KVR_IsClient(systems[i]) ? "*" : "");
-  return text;
-}
-
-std::string GroupsText(KVR_GROUP parent, const std::string &indent) {
-  std::array<KVR_GROUP, 16> groups{};
-  std::uint32_t count = groups.size();
-  EXPECT_EQ(KVR_GetChildAsgs(parent, groups.data(), &count), KVR_OK);
-  std::string text;
-  for (KVR_GROUP group : std::span(groups).first(count)) {
-    const auto servers = [&](auto *array, auto *room) {
-      return KVR_GetAsgServers(group, array, room);
-    };
-    text += fmt::format(
-                "{}'{}' of '{}', slots {} free, {} used, served by{}\n", indent,
-                NameOf(group, KVR_GetAsgNameA), NameOf(KVR_GetAsgClient(group), KVR_GetSystemNameA),
-                KVR_GetFreeIndexCount(group), KVR_GetUsedIndexCount(group), SystemsText(servers)) +
-            GroupsText(group, indent + "  ");
-  }
-  return text;
-}
-
-// What a discovery made of the tables, as a caller sees it; systems that hold a slot have a star.
-std::string ModelText() {
-  return fmt::format("secured {}, client {}, MSC {}, backup {}, switch access {}\n",
-                     KVR_SecurityState() == KVR_OK, KVR_IsSecureClient(), KVR_IsMSC(),
-                     KVR_IsBackupMSC(), KVR_IsSwitchAccessEnabled()) +
-         "in the ACG:" + SystemsText(KVR_GetAcgServers) +
-         "\noutside:" + SystemsText(KVR_GetUnsecureServers) +
-         "\nbackups:" + SystemsText(KVR_GetBackupMSCs) + "\n" + GroupsText(nullptr, "");
-}
-
-// Hosts M, A, B, C and D that all reach each other.
-class Golden : public testing::Test {
- protected:
-  Golden() {
-    fabric::Description plan;
-    for (const char name : std::string("MABCD")) {
-      const fabric::Id8 id{0x20, static_cast<std::uint8_t>(name)};
-      plan.hosts.push_back({{name}, {}, true, false, {{id, {}, {fabric::Id8{0x10}}, true}}});
-    }
-    network_ = std::make_shared<fabric::Network>(plan, "M");
-    fabric::SetCurrentNetwork(network_);
-  }
-  ~Golden() override {
-    fuzz::ForgetEverything();
-    fabric::SetCurrentNetwork(nullptr);
-  }
-
-  void StartAs(const std::string &host) {
-    fuzz::ForgetEverything();
-    network_->SetLocalHost(host);
-    KVR_Initialize();
-    KVR_DiscoverServers(nullptr, 0);
-  }
-
-  void PlantGoldenTree() {
-    for (const std::string host : {"M", "A", "B", "C", "D"})
-      network_->PlantImage(host, ImageOf(ReadGolden("tree-" + host + ".image")));
-  }
-
-  std::shared_ptr<fabric::Network> network_;
-};
-
 // A's group stands above B's, and D is a backup of M.
-TEST_F(Golden, WrittenTables) {
-  StartAs("M");
+TEST(Golden, WrittenTables) {
+  const World world(HOSTS);
+  world.As("M");
   std::int32_t slot = -1;
   ASSERT_EQ(KVR_CreateKVR(&slot), KVR_OK);
-  ExpectGolden("fresh-M.image", TextOf(*network_->Image("M")));
-  std::array<KVR_SYSTEM, 4> systems{};
-  std::uint32_t count = systems.size();
-  ASSERT_EQ(KVR_GetUnsecureServers(systems.data(), &count), KVR_OK);
-  const auto [a, b, c, d] = systems;
-  for (KVR_SYSTEM system : systems)
-    ASSERT_EQ(KVR_AddServerToACG(system), KVR_OK);
-  ExpectGolden("fresh-A.image", TextOf(*network_->Image("A")));
+  ExpectGolden("fresh-M.image", TextOf(*world->Image("M")));
+  for (const char *member : {"A", "B", "C", "D"})
+    ASSERT_EQ(KVR_AddServerToACG(kvrtest::System(member)), KVR_OK);
+  ExpectGolden("fresh-A.image", TextOf(*world->Image("A")));
 
   KVR_GROUP upper = nullptr;
   KVR_GROUP lower = nullptr;
   std::uint32_t reserve = 3;
-  ASSERT_EQ(KVR_CreateAsgA(nullptr, "abcdefg", a, &reserve, &upper), KVR_OK);
+  KVR_SYSTEM b = kvrtest::System("B");
+  ASSERT_EQ(KVR_CreateAsgA(nullptr, "abcdefg", kvrtest::System("A"), &reserve, &upper), KVR_OK);
   ASSERT_EQ(KVR_AddServerToAsg(upper, b), KVR_OK);
-  ASSERT_EQ(KVR_AddServerToAsg(upper, c), KVR_OK);
+  ASSERT_EQ(KVR_AddServerToAsg(upper, kvrtest::System("C")), KVR_OK);
   reserve = 1;
   ASSERT_EQ(KVR_CreateAsgW(upper, u"0123456789012345678901234567890", b, &reserve, &lower), KVR_OK);
-  ASSERT_EQ(KVR_AddServerToAsg(lower, c), KVR_OK);
+  ASSERT_EQ(KVR_AddServerToAsg(lower, kvrtest::System("C")), KVR_OK);
 
-  SaTable backup = *network_->Image("D");
+  SaTable backup = *world->Image("D");
   backup.entries[slot].access.roleFlags = ACE_SELF | ACE_BACKUP_MSC;
-  network_->PlantImage("D", backup);
+  world->PlantImage("D", backup);
   KVR_DiscoverServers(nullptr, 0);  // copies M's access words to its backup
-  for (const std::string host : {"M", "A", "B", "C", "D"})
-    ExpectGolden("tree-" + host + ".image", TextOf(*network_->Image(host)));
+  for (const std::string &host : HOSTS)
+    ExpectGolden("tree-" + host + ".image", TextOf(*world->Image(host)));
 }
 
-TEST_F(Golden, StoredTreeReadsAlikeInEveryRole) {
-  PlantGoldenTree();
-  for (const std::string host : {"M", "A", "C", "D"}) {
-    StartAs(host);
-    ExpectGolden("tree-" + host + ".model", ModelText());
-  }
-}
-
-TEST_F(Golden, BadTables) {
-  const std::map<std::string, const char *> places = {
-      {"bad-random", "A"}, {"bad-names", "A"}, {"bad-roles", "A"}, {"bad-local", "M"}};
-  for (const auto &[name, host] : places) {
-    PlantGoldenTree();
-    network_->PlantImage(host, ImageOf(ReadGolden(name + ".image")));
-    StartAs("M");
-    ExpectGolden(name + ".model", ModelText());
+// What the hosts make of the tree, and M of the tree with another table in one host's place.
+TEST(Golden, ReadTables) {
+  struct Reading {
+    std::string name, place, reader;
+  };
+  const Reading readings[] = {{"tree-M", "M", "M"},     {"tree-A", "A", "A"},
+                              {"tree-C", "C", "C"},     {"tree-D", "D", "D"},
+                              {"bad-random", "A", "M"}, {"bad-names", "A", "M"},
+                              {"bad-roles", "A", "M"},  {"bad-local", "M", "M"}};
+  const World world(HOSTS);
+  for (const auto &[name, place, reader] : readings) {
+    for (const std::string &host : HOSTS)
+      world->PlantImage(host, ImageOf(ReadGolden("tree-" + host + ".image")));
+    world->PlantImage(place, ImageOf(ReadGolden(name + ".image")));
+    world.As(reader);
+    ExpectGolden(name + ".model", kvrtest::Model());
   }
 }
 
