@@ -173,8 +173,8 @@ double SecondsFor(Work work) {
   return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
-// In turn the floor and the library, each from a heap without records of the other. Where a discovery
-// replaces an earlier one, letting that one go is part of it.
+// In turn the floor and the library, each from a heap without records of the other. Where a
+// discovery replaces an earlier one, letting that one go is part of it.
 void Measure(benchmark::State &state, bool replacing) {
   const SecuredNetwork network(static_cast<std::size_t>(state.range(0)));
   Floor floor(network.Calls());

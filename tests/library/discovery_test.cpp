@@ -62,13 +62,13 @@ TEST(Initialization, LoadsOncePerProcess) {
   }
 }
 
+const std::thread::id kTestThread = std::this_thread::get_id();
 std::atomic<std::uintptr_t> g_completed = 0;
 
 // The context, the members in the model at that moment, and whether on the caller's thread.
 void OnComplete(std::uintptr_t context) {
-  static const std::thread::id testThread = std::this_thread::get_id();
   g_completed +=
-      context + KVR_GetAcgServerCount() * 10 + (std::this_thread::get_id() == testThread);
+      context + KVR_GetAcgServerCount() * 10 + (std::this_thread::get_id() == kTestThread);
 }
 
 const std::vector<std::string> kHosts = {"M 5=3 s246", "A s5", "B", "X excluded s5"};
@@ -119,6 +119,21 @@ TEST(Discovery, ServesACallMadeWhileWaitingWithThePendingEvent) {
   KVR_DiscoverServers(OnComplete, 2000);
   AwaitEnd();
   EXPECT_EQ(g_completed, 2010u);
+}
+
+TEST(Discovery, WaitsForTheEndOfTheFormerOneWhenAskedRightAfterItsCallback) {
+  const World world(kHosts, 1, false);
+  world.As("M");
+  g_completed = 0;
+  const auto lingering = [](std::uintptr_t context) {
+    g_completed = context;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  };
+  KVR_DiscoverServers(lingering, 1);
+  while (g_completed == 0)
+    std::this_thread::yield();
+  KVR_DiscoverServers(nullptr, 0);
+  EXPECT_EQ(KVR_GetAcgServerCount(), 1u);
 }
 
 TEST(Discovery, AsksOnlyWhatTheRoleOfThisHostAllows) {

@@ -89,7 +89,7 @@ bool Survive(const Change &change, const std::function<void(const World &)> &add
       EXPECT_EQ(fmt::format("{}", fmt::join(fabric::ChangedHosts(stored, world->Images()), " ")),
                 lost ? client[1].str() : "");
     }
-    // The slots of a local write that failed stay taken in the cache, and may be missed in the pool.
+    // The slots of a local write that failed stay taken in the cache; the pool may miss them.
     const std::uint32_t retried = change.run();
     EXPECT_TRUE(retried == KVR_OK || (result == 5030 && retried == 5014)) << retried;
   }
