@@ -1,6 +1,7 @@
 // kvrctl: one run is one process that plays one host. It reads the command line, runs the one
 // command chosen and renders its outcome.
 #include <algorithm>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -91,9 +92,7 @@ ExitStatus RunChosen(const Chosen &chosen, Form form) {
   }
 }
 
-}  // namespace
-
-int main(int argc, char **argv) {
+int Run(int argc, char **argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   const Form form = FormIn(arguments);
   CLI::App app{"Manages one security configuration among the hosts of a storage network.",
@@ -117,4 +116,17 @@ int main(int argc, char **argv) {
   }
   ApplyGlobals(globals);
   return static_cast<int>(RunChosen(chosen, form));
+}
+
+}  // namespace
+
+// What fails before or behind a command, memory that runs out among it, has no form to be told in.
+int main(int argc, char **argv) {
+  try {
+    return Run(argc, argv);
+  } catch (...) {
+    std::fputs("kvrctl: the run broke off for want of memory or of its output; repeat it.\n",
+               stderr);
+    return static_cast<int>(ExitStatus::NothingToTalkTo);
+  }
 }

@@ -22,7 +22,7 @@ Failure NoNetwork(std::string sentence, std::string wayOut) {
 
 // The cause of a 5002 as a failure of its own, or the plain one where the settings are in order.
 Failure CauseOfNoAdapter() {
-  const Failure plain("Initializing the library", KVR_ERR_NO_LOCAL_ADAPTER);
+  Failure plain("Initializing the library", KVR_ERR_NO_LOCAL_ADAPTER);
   const auto folder = Environment(kFabricVariable);
   if (!folder) return plain;
   const auto description = ReadDescription(*folder);
