@@ -12,9 +12,7 @@
 #include "discovery/initialization.h"
 #include "model/local_state.h"
 
-extern "C" std::time_t __wrap_time(std::time_t *) {
-  return 1'000'000'000;
-}
+extern "C" std::time_t __wrap_time(std::time_t *) { return 1'000'000'000; }
 
 namespace {
 
@@ -112,10 +110,8 @@ void AskGroup(KVR_GROUP group, KVR_SYSTEM system) {
 void AskEverything() {
   Handles all = Collect();
   AddSystems(all, KVR_GetLastOpFailedServers);
-  for (KVR_SYSTEM system : all.systems)
-    AskSystem(system);
-  for (std::uint32_t i = 0; i < all.groups.size(); ++i)
-    AskGroup(all.groups[i], all.System(i));
+  for (KVR_SYSTEM system : all.systems) AskSystem(system);
+  for (std::uint32_t i = 0; i < all.groups.size(); ++i) AskGroup(all.groups[i], all.System(i));
   // Comparing the reach identifiers of hosts with hundreds of them is slow, so one is asked.
   KVR_CanDiscoverAllSystems(all.System(0));
   if (KVR_IsBackupMSC() == 0 && !all.groups.empty())

@@ -30,8 +30,7 @@ int main(int argc, char **argv) {
   std::mt19937 random;
   for (unsigned long i = 0; i < count; ++i) {
     std::vector<std::uint8_t> input(3 + 8 * (random() % 64));
-    for (std::uint8_t &byte : input)
-      byte = static_cast<std::uint8_t>(random());
+    for (std::uint8_t &byte : input) byte = static_cast<std::uint8_t>(random());
     LLVMFuzzerTestOneInput(input.data(), input.size());
   }
   std::printf("%zu inputs of the corpus and %lu random ones played\n", files, count);

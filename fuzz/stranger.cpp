@@ -44,8 +44,7 @@ Stranger MakeHost(Word number, Word owner) {
 void MakeHosts(Word others, std::uint8_t role) {
   const Word owner = role % 3 == 0 ? others : 0;
   g_hosts.clear();
-  for (Word number = 0; number <= others; ++number)
-    g_hosts.push_back(MakeHost(number, owner));
+  for (Word number = 0; number <= others; ++number) g_hosts.push_back(MakeHost(number, owner));
   SaTable &table = g_hosts[owner].table;
   for (Word number = 0; number <= others; ++number)
     table.entries[number].access = {0, number == owner ? ACE_SELF | ACE_MSC : ACE_CHILD, 0, 0};
@@ -136,8 +135,7 @@ void fuzz::SetStranger(std::span<const std::uint8_t> bytes) {
   MakeHosts(head[0] % 65u, head[2]);
   for (bytes = bytes.subspan(headSize); bytes.size() >= 8; bytes = bytes.subspan(8)) {
     Word value = 0;
-    for (std::size_t i = 8; i-- > 4;)
-      value = value << 8 | bytes[i];
+    for (std::size_t i = 8; i-- > 4;) value = value << 8 | bytes[i];
     const auto instruction = static_cast<Instruction>(bytes[0] % kInstructionCount);
     for (Word number = 0; number < g_hosts.size(); ++number) {
       if (bytes[1] != 255 && bytes[1] % g_hosts.size() != number) continue;
@@ -146,12 +144,8 @@ void fuzz::SetStranger(std::span<const std::uint8_t> bytes) {
   }
 }
 
-Word TQ_InitLib(void) {
-  return 0;
-}
-Word TQ_GetNumberOfLocalAdapters(void) {
-  return g_localAdapters;
-}
+Word TQ_InitLib(void) { return 0; }
+Word TQ_GetNumberOfLocalAdapters(void) { return g_localAdapters; }
 // Says each time that there is another adapter.
 Word TQ_GetLocalHBAInfo(Word *, void *info236) {
   const auto local = static_cast<Word>(g_hosts.size() - 1);
@@ -213,15 +207,7 @@ Word Vexo_GetFirstSystem(void *discoveredSystem30104) {
   g_next = 0;
   return Deliver(discoveredSystem30104);
 }
-Word Vexo_GetNextSystem(void *discoveredSystem30104) {
-  return Deliver(discoveredSystem30104);
-}
-Word Vexo_PauseDiscovery(void) {
-  return 0;
-}
-Word Vexo_Terminate(void) {
-  return 0;
-}
-Word Vexo_StartDiscoveryCycle(void) {
-  return 0;
-}
+Word Vexo_GetNextSystem(void *discoveredSystem30104) { return Deliver(discoveredSystem30104); }
+Word Vexo_PauseDiscovery(void) { return 0; }
+Word Vexo_Terminate(void) { return 0; }
+Word Vexo_StartDiscoveryCycle(void) { return 0; }

@@ -18,8 +18,7 @@ Names Matches(const std::string &command, const std::string &pattern) {
   const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
   std::string text;
   std::array<char, 4096> part{};
-  while (pipe && std::fgets(part.data(), part.size(), pipe.get()) != nullptr)
-    text += part.data();
+  while (pipe && std::fgets(part.data(), part.size(), pipe.get()) != nullptr) text += part.data();
   const std::regex regex(pattern);
   Names names;
   for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match)
@@ -68,8 +67,7 @@ TEST(Exports, LibraryNeedsTheOutsideLibrariesAndTheRuntimeOnly) {
   EXPECT_EQ(needed.erase("libTqlink.so") + needed.erase("libVexonet.so"), 2u);
   const std::regex runtime("(libstdc\\+\\+|libgcc_s|libm|libc|ld-linux[-\\w]*" SANITIZERS
                            ")\\.so.*");
-  for (const std::string &name : needed)
-    EXPECT_TRUE(std::regex_match(name, runtime)) << name;
+  for (const std::string &name : needed) EXPECT_TRUE(std::regex_match(name, runtime)) << name;
 }
 
 }  // namespace

@@ -43,8 +43,7 @@ std::string TextOf(const SaTable &image) {
     if (std::ranges::count(row, 0) == 16) return;
     text += fmt::format("{:04x}: {:02x}{}\n", offset, fmt::join(row, " "), remark);
   };
-  for (std::size_t offset = 0; offset < sizeof image.header; offset += 16)
-    add(offset, "");
+  for (std::size_t offset = 0; offset < sizeof image.header; offset += 16) add(offset, "");
   std::uint64_t sum = 0xcbf29ce484222325u;
   for (std::size_t n = 0; n < KVR_POSITION_COUNT; ++n) {
     const std::size_t offset = sizeof image.header + n * sizeof(SaEntry);

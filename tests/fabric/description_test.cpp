@@ -57,8 +57,7 @@ TEST(Description, SurvivesBeingSavedAndLoaded) {
   description.hosts[5].wideName = u"\"\\\n\u007F\u00DF\u20AC\U0001F4BE";
   description.hosts[7].adapters[0].credential.reset();
   std::vector<Adapter> &adapters = description.hosts[8].adapters;
-  for (std::uint8_t n = 0; adapters.size() < 100; ++n)
-    adapters.push_back({{n}, {}, {}, true});
+  for (std::uint8_t n = 0; adapters.size() < 100; ++n) adapters.push_back({{n}, {}, {}, true});
   description.faults = {{description.hosts[0].name, {}, "*", 1, {}},
                         {description.hosts[1].name, 1, "TQ_WriteKeyTable", 3, 2}};
   const ScratchFolder folder;

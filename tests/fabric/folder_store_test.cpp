@@ -33,8 +33,7 @@ TEST(FolderStore, WritersOfDifferentViewsLoseNothing) {
   FolderStore store(folder.Path());
   ASSERT_TRUE(store.Write("a", Filled(0)));
   const auto count = [&](const FolderStore::Change &change) {
-    for (int i = 0; i < kRounds; ++i)
-      store.Update("a", change);
+    for (int i = 0; i < kRounds; ++i) store.Update("a", change);
   };
   const pid_t child = fork();
   if (child == 0) {

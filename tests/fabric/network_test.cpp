@@ -35,10 +35,8 @@ Description ThreeHosts() {
   Description description = MakeDescription(3, 1);
   description.delayMs = 20;
   const char *name[] = {"here", "there", "bare"};
-  for (std::size_t i = 0; i < description.hosts.size(); ++i)
-    description.hosts[i].name = name[i];
-  for (Adapter &adapter : description.hosts[2].adapters)
-    adapter.credential.reset();
+  for (std::size_t i = 0; i < description.hosts.size(); ++i) description.hosts[i].name = name[i];
+  for (Adapter &adapter : description.hosts[2].adapters) adapter.credential.reset();
   return description;
 }
 
@@ -46,8 +44,7 @@ Description ThreeHosts() {
 Network &Use(const Description &description = ThreeHosts()) {
   const auto network = std::make_shared<Network>(description, "here");
   SetCurrentNetwork(network);
-  for (const Host &host : network->Hosts())
-    network->PlantImage(host.name, SaTable{});
+  for (const Host &host : network->Hosts()) network->PlantImage(host.name, SaTable{});
   return *network;
 }
 

@@ -26,8 +26,7 @@ class Process {
     if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
     fcntl(ends[0], F_SETPIPE_SZ, 4096);
     std::vector<char *> argv = {const_cast<char *>(KVRCTL_PATH)};
-    for (std::string &word : words)
-      argv.push_back(word.data());
+    for (std::string &word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     pid_ = fork();
     if (pid_ == 0) {

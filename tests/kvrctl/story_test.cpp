@@ -56,8 +56,7 @@ TEST_F(Story, IsRebuiltFromTheTablesByEveryHost) {
   EXPECT_EQ(ResultOf("h1", {"group", "show", "sales/süd😀"})["free"], 3);
 
   std::map<std::string, Json> hosts;
-  for (const Json &host : ResultOf("h1", {"hosts"}))
-    hosts[host["name"]] = host;
+  for (const Json &host : ResultOf("h1", {"hosts"})) hosts[host["name"]] = host;
   EXPECT_EQ(hosts["h3"]["client_of"], "sales/north");
   EXPECT_EQ(hosts["h4"]["serves"], Json({"sales", "sales/north"}));
   EXPECT_TRUE(hosts["h5"]["in_acg"] && hosts["h5"]["slot"].is_null() && !hosts["h6"]["in_acg"]);

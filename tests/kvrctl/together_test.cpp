@@ -15,8 +15,7 @@ class Together : public FabricFolder {
   // "acg add" of the hosts with these numbers.
   static Words Adding(std::size_t first, std::size_t last) {
     Words words = {"acg", "add"};
-    for (std::size_t i = first; i <= last; ++i)
-      words.push_back("h" + std::to_string(i));
+    for (std::size_t i = first; i <= last; ++i) words.push_back("h" + std::to_string(i));
     return words;
   }
 };
@@ -33,8 +32,7 @@ TEST_F(Together, ReadersAndWritersOfDifferentHostsDoNotDisturbEachOther) {
   for (int i = 0; i < 5; ++i) {
     EXPECT_EQ(ResultOf("h1", {"tree"}).at(0)["servers"], Json({"h4", "h5"}));
   }
-  for (Process &writer : writers)
-    EXPECT_EQ(writer.Finish().status, 0);
+  for (Process &writer : writers) EXPECT_EQ(writer.Finish().status, 0);
   const Json tree = ResultOf("h1", {"tree"});
   EXPECT_EQ(tree[0]["children"][0]["client"], "h4");
   EXPECT_EQ(tree[1]["children"][0]["client"], "h6");

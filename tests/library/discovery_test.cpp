@@ -77,8 +77,7 @@ const std::string kCollection =
     "GetNextSystem:B ReadSaTableHeader:B! GetNextSystem:X GetNextSystem Terminate";
 
 void AwaitEnd() {
-  while (kvr::g_discoveryActive != 0)
-    std::this_thread::yield();
+  while (kvr::g_discoveryActive != 0) std::this_thread::yield();
 }
 
 TEST(Discovery, CollectsOnceInEveryMode) {
@@ -130,8 +129,7 @@ TEST(Discovery, WaitsForTheEndOfTheFormerOneWhenAskedRightAfterItsCallback) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   };
   KVR_DiscoverServers(lingering, 1);
-  while (g_completed == 0)
-    std::this_thread::yield();
+  while (g_completed == 0) std::this_thread::yield();
   KVR_DiscoverServers(nullptr, 0);
   EXPECT_EQ(KVR_GetAcgServerCount(), 1u);
 }

@@ -60,8 +60,7 @@ void Live(const std::vector<Step> &history, bool faults) {
   };
   world.As(actor);
   KVR_CreateKVR(nullptr);
-  for (const char *host : {"B", "C", "D", "E"})
-    KVR_AddServerToACG(System(host));
+  for (const char *host : {"B", "C", "D", "E"}) KVR_AddServerToACG(System(host));
   for (const Step &step : history) {
     if (step.turn < kHosts.size()) {
       checkTurn();

@@ -46,23 +46,18 @@ std::string TreeOf(const kvr::OrderedList *groups, bool sorted, bool named) {
 
 std::uint32_t g_now = 1'000'000'000;
 
-extern "C" std::time_t __wrap_time(std::time_t *) {
-  return g_now;
-}
+extern "C" std::time_t __wrap_time(std::time_t *) { return g_now; }
 
 std::vector<std::string> Words(const std::string &text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
-bool Same(const SaTable &a, const SaTable &b) {
-  return std::memcmp(&a, &b, sizeof a) == 0;
-}
+bool Same(const SaTable &a, const SaTable &b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 SaTable MakeImage(const std::string &line) {
   SaTable image{};
-  for (std::uint32_t n = 0; n < KVR_POSITION_COUNT; ++n)
-    image.entries[n].slotIndex = n;
+  for (std::uint32_t n = 0; n < KVR_POSITION_COUNT; ++n) image.entries[n].slotIndex = n;
   const std::vector<std::string> words = Words(line);
   for (std::size_t i = 1; i < words.size(); ++i) {
     unsigned slot = 0, flags = 0;
@@ -163,9 +158,7 @@ std::uint32_t Create(const std::string &parent, const std::string &client, std::
   return KVR_CreateAsgA(Group(parent), Small(client).c_str(), System(client), &reserve, nullptr);
 }
 
-std::string Tree() {
-  return TreeOf(kvr::g_topGroups, false, false);
-}
+std::string Tree() { return TreeOf(kvr::g_topGroups, false, false); }
 
 std::string Model(bool groupNames) {
   std::string text = fmt::format(
