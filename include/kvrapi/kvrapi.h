@@ -112,7 +112,6 @@ typedef void (*KVR_DISCOVERY_CALLBACK)(uintptr_t context);
 #define KVR_ERR_CREATE_LOCAL_FAILED 5029u     /* the new configuration could not be stored here */
 #define KVR_ERR_LOCAL_WRITE_FAILED 5030u      /* the local adapter refused the local table */
 #define KVR_ERR_LOCAL_REMOVE_FAILED 5031u     /* the local adapter kept the local table */
-#define KVR_ERR_NOT_BUILT 5998u               /* this version does not offer the change yet */
 #define KVR_ERR_NOT_INITIALIZED 5999u         /* KVR_Initialize has not succeeded */
 
 /* Library state and discovery */
@@ -264,7 +263,7 @@ KVR_API uint32_t KVR_IsSwitchAccessEnabled(void) KVR_NOEXCEPT;
  *   5000  a configuration is active and this host is not its MSC
  *   5008  some hosts could not be written and are marked; the others and the stored value changed.
  *         To retry, give the other value, then this one again
- *   5998  not offered by this version; nothing is changed */
+ * That the local table could not be stored is not reported. */
 KVR_API uint32_t KVR_EnableSwitchAccess(uint32_t enable) KVR_NOEXCEPT;
 
 /* Number of backup MSCs among the discovered systems. */
@@ -282,8 +281,8 @@ KVR_API uint32_t KVR_GetBackupMSCs(KVR_SYSTEM *systems, uint32_t *count) KVR_NOE
  *   5026  it is one already
  *   5022  the system holds a slot
  *   5028  the system serves a group
- *   5019  the host could not be read or written; if it was outside the ACG it may have joined it
- *   5998  not offered by this version; nothing is read or written */
+ *   5019  the host could not be read or written; if it was outside the ACG it may have joined it.
+ *         The model tells: KVR_IsServer */
 KVR_API uint32_t KVR_AddBackupMSC(KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* Makes a backup MSC a plain member of the ACG again.
@@ -291,21 +290,24 @@ KVR_API uint32_t KVR_AddBackupMSC(KVR_SYSTEM system) KVR_NOEXCEPT;
  *   5000  a configuration is active and this host is not its MSC
  *   5007  invalid handle
  *   5025  the system is not a backup MSC
- *   5019  the host could not be read or written; nothing is changed
- *   5998  not offered by this version; nothing is read or written */
+ *   5019  the host could not be read or written; nothing is changed */
 KVR_API uint32_t KVR_RemoveBackupMSC(KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* Moves the MSC role. With a system: this host, the MSC or a backup MSC, hands the role to that
- * backup MSC; every handle becomes invalid, discover again. With null, on a backup MSC: this host
- * takes the role in its own table; it shows when the library is loaded again.
+ * backup MSC and serves it from now on; every host is asked to synchronize, every handle becomes
+ * invalid, discover again. From a backup MSC the MSC's own table is not addressed.
+ * With null, on a backup MSC: this host takes the role in its own table alone; KVR_IsMSC and
+ * KVR_IsBackupMSC answer as before until the library is loaded again.
  * Results: 0;
  *   5000  this host is neither MSC nor backup MSC, or holds no slot any more
  *   5027  the MSC gave no system
  *   5007  invalid handle
  *   5025  the system is not a backup MSC
- *   5019  the new MSC could not be read or written; the roles are unchanged
+ *   5019  the new MSC could not be read or written: it stays a backup MSC, maybe with a fresh copy
+ *         of the local table, and the roles are unchanged
  *   5002, 5030  without a system: the local table could not be stored
- *   5998  not offered by this version; nothing is read or written */
+ * That the local table could not be stored, or a host not synchronized, is not reported when the
+ * role was handed to a system. */
 KVR_API uint32_t KVR_AssignNewMSC(KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* Access sub-groups */
@@ -336,13 +338,13 @@ KVR_API uint32_t KVR_GetAsgNameW(KVR_GROUP group, KVR_WCHAR *buffer, uint32_t si
 
 /* Renames a group in its client's table and in the model.
  *   name  1 to 31 characters.
- * The name's other form stays as it was in the model until the next discovery.
+ * The name's other form stays as it was in the model until the next discovery. A new 8-bit name
+ * gives the group its place in the order of its list.
  * Results: 0, also when the client's table could not be written;
  *   5024  this host is a backup MSC
  *   5007  invalid handle
  *   5012  an Offline Client group
- *   5015  no name, an empty one, or 32 characters and more
- *   5998  not offered by this version; nothing is read or written */
+ *   5015  no name, an empty one, or 32 characters and more */
 KVR_API uint32_t KVR_RenameAsgA(KVR_GROUP group, const char *name) KVR_NOEXCEPT;
 
 /* As KVR_RenameAsgA with a UTF-16 name of 1 to 31 units. */
@@ -419,11 +421,13 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
  *   5007  invalid handle
  *   5012  an Offline Client group
  *   5021  the group has child groups
- *   5019  the client's or the parent client's table could not be read or written
- *   5002, 5030  the local table could not be stored
- *   5008  the group is deleted, but some servers could not be written and are marked
  *   5020  the client holds no slot any more
- *   5998  not offered by this version; nothing is read or written */
+ *   5019  the client's or the parent client's table could not be read: nothing is changed. Or the
+ *         client's could not be written: the group stays, its servers serve it no more. Or the
+ *         parent client's could not be written: the group is deleted, the slots stay taken there
+ *   5002, 5030  the local table could not be stored; the group is deleted
+ *   5008  the group is deleted, but some servers could not be written and are marked
+ * That the name could not be cleared, or a backup MSC not brought up to date, is not reported. */
 KVR_API uint32_t KVR_DeleteAsg(KVR_GROUP group) KVR_NOEXCEPT;
 
 /* Lets a host serve the group's client: one read and one write of the host's access table.
@@ -443,12 +447,13 @@ KVR_API uint32_t KVR_AddServerToAsg(KVR_GROUP group, KVR_SYSTEM system) KVR_NOEX
  *   5012  an Offline Client group
  *   5018  the system does not serve the group
  *   5020  the group's client holds no slot any more
- *   5019  the host's table could not be read or written; the model is unchanged
- *   5998  not offered by this version; nothing is read or written */
+ *   5019  the host's table could not be read or written; the model is unchanged */
 KVR_API uint32_t KVR_RemoveServerFromAsg(KVR_GROUP group, KVR_SYSTEM system) KVR_NOEXCEPT;
 
-/* Changes the number of slots reserved for the children of the group's client.
- *   count  in: the new total; out: the total granted, where it was reduced.
+/* Changes the number of slots reserved for the children of the group's client. The lowest slots
+ * that no child uses are released, the lowest free ones are taken.
+ *   count  in: the new total; out: the total granted, where it was reduced, set before the tables
+ *          are written and kept also when a write fails.
  * Results: 0;
  *   5014  success, but fewer slots were free than asked: *count holds the total granted
  *   5024  this host is a backup MSC
@@ -457,11 +462,13 @@ KVR_API uint32_t KVR_RemoveServerFromAsg(KVR_GROUP group, KVR_SYSTEM system) KVR
  *   5023  more reserved slots are in use than *count
  *   5019  the client's or the parent client's table could not be read or written
  *   5002, 5030  the local table could not be stored
- *   5998  not offered by this version; nothing is read or written
- * After a failed write the client's table is restored, as far as it can be reached. */
+ * After a failed write the client's table is restored, as far as it can be reached; after 5002 or
+ * 5030 the change stays in this process's copy of the local table. That a backup MSC could not be
+ * brought up to date is not reported. */
 KVR_API uint32_t KVR_ModifyReservedIndexCount(KVR_GROUP group, uint32_t *count) KVR_NOEXCEPT;
 
-/* Hands a group, with its slot and reserve, to another host.
+/* Hands a group, with its name, its slot, its reserve and the groups below it, to another host,
+ * which is no server of the group any more.
  *   system  a member of the ACG without a slot; below a parent, one of the parent's servers.
  * Results: 0 (also when the system is the client already: nothing is done);
  *   5024  this host is a backup MSC
@@ -469,8 +476,9 @@ KVR_API uint32_t KVR_ModifyReservedIndexCount(KVR_GROUP group, uint32_t *count) 
  *   5012  an Offline Client group
  *   5016  the system holds a slot
  *   5020  the system is not in the ACG, or the group's client holds no slot any more
- *   5019  one of the two hosts could not be read or written; the model is unchanged
- *   5998  not offered by this version; nothing is read or written */
+ *   5019  one of the two hosts could not be read or written; the old client's table is restored, as
+ *         far as it can be reached, and the model is unchanged
+ * That the name could not be moved is not reported. */
 KVR_API uint32_t KVR_AssignNewClient(KVR_GROUP group, KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* 1 when the system is the client of a group anywhere below the given one (group or null), else 0;

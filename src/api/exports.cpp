@@ -3,14 +3,21 @@
 #include "kvrapi/kvrapi.h"
 
 #include "config/acg_membership.h"
+#include "config/backup_mscs.h"
 #include "config/configuration.h"
 #include "config/key_renewal.h"
+#include "config/msc_succession.h"
+#include "config/switch_access.h"
 #include "discovery/discovery.h"
 #include "discovery/initialization.h"
 #include "groups/available_servers.h"
+#include "groups/client_handover.h"
 #include "groups/group_creation.h"
+#include "groups/group_deletion.h"
+#include "groups/group_name.h"
 #include "groups/group_queries.h"
 #include "groups/group_servers.h"
+#include "groups/reserve_change.h"
 #include "groups/slot_allocation.h"
 #include "model/local_state.h"
 #include "model/system_queries.h"
@@ -35,11 +42,6 @@ auto Value(Operation operation, Arguments... arguments) -> decltype(operation(ar
 // An export that returns a variable.
 std::uint32_t Flag(const std::uint32_t &variable) {
   return g_apiInitialized != 0 ? variable : 0;
-}
-
-// A change that this version does not offer yet.
-std::uint32_t NotBuilt() {
-  return Result([] { return KVR_ERR_NOT_BUILT; });
 }
 
 }  // namespace
@@ -130,8 +132,8 @@ std::uint32_t KVR_RemoveServerFromACG(KVR_SYSTEM system) noexcept {
 std::uint32_t KVR_IsSwitchAccessEnabled() noexcept {
   return Flag(g_switchAccessEnabled);
 }
-std::uint32_t KVR_EnableSwitchAccess(std::uint32_t) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_EnableSwitchAccess(std::uint32_t enable) noexcept {
+  return Result(EnableSwitchAccess, enable);
 }
 std::uint32_t KVR_GetBackupMSCCount() noexcept {
   return Value(GetBackupMSCCount);
@@ -141,14 +143,14 @@ std::uint32_t KVR_GetBackupMSCs(KVR_SYSTEM *systems, std::uint32_t *count) noexc
   return Result(GetBackupMSCs, systems, count);
 }
 
-std::uint32_t KVR_AddBackupMSC(KVR_SYSTEM) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_AddBackupMSC(KVR_SYSTEM system) noexcept {
+  return Result(AddBackupMSC, system);
 }
-std::uint32_t KVR_RemoveBackupMSC(KVR_SYSTEM) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_RemoveBackupMSC(KVR_SYSTEM system) noexcept {
+  return Result(RemoveBackupMSC, system);
 }
-std::uint32_t KVR_AssignNewMSC(KVR_SYSTEM) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_AssignNewMSC(KVR_SYSTEM system) noexcept {
+  return Result(AssignNewMSC, system);
 }
 
 std::uint32_t KVR_GetAsgCount() noexcept {
@@ -167,11 +169,11 @@ std::uint32_t KVR_GetAsgNameW(KVR_GROUP group, KVR_WCHAR *buffer, std::uint32_t 
   return Result(GetAsgName, group, nullptr, buffer, size);
 }
 
-std::uint32_t KVR_RenameAsgA(KVR_GROUP, const char *) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_RenameAsgA(KVR_GROUP group, const char *name) noexcept {
+  return Result(RenameAsg, group, name, nullptr);
 }
-std::uint32_t KVR_RenameAsgW(KVR_GROUP, const KVR_WCHAR *) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_RenameAsgW(KVR_GROUP group, const KVR_WCHAR *name) noexcept {
+  return Result(RenameAsg, group, nullptr, name);
 }
 KVR_SYSTEM KVR_GetAsgClient(KVR_GROUP group) noexcept {
   return Value(GetAsgClient, group);
@@ -213,24 +215,24 @@ std::uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYSTEM
   return Result(CreateAsg, parent, nullptr, name, client, reservedCount, group);
 }
 
-std::uint32_t KVR_DeleteAsg(KVR_GROUP) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_DeleteAsg(KVR_GROUP group) noexcept {
+  return Result(DeleteAsg, group);
 }
 
 std::uint32_t KVR_AddServerToAsg(KVR_GROUP group, KVR_SYSTEM system) noexcept {
   return Result(AddServerToAsg, group, system);
 }
 
-std::uint32_t KVR_RemoveServerFromAsg(KVR_GROUP, KVR_SYSTEM) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_RemoveServerFromAsg(KVR_GROUP group, KVR_SYSTEM system) noexcept {
+  return Result(RemoveServerFromAsg, group, system);
 }
 
-std::uint32_t KVR_ModifyReservedIndexCount(KVR_GROUP, std::uint32_t *) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_ModifyReservedIndexCount(KVR_GROUP group, std::uint32_t *count) noexcept {
+  return Result(ModifyReservedIndexCount, group, count);
 }
 
-std::uint32_t KVR_AssignNewClient(KVR_GROUP, KVR_SYSTEM) noexcept {
-  return NotBuilt();
+std::uint32_t KVR_AssignNewClient(KVR_GROUP group, KVR_SYSTEM system) noexcept {
+  return Result(AssignNewClient, group, system);
 }
 
 std::uint32_t KVR_IsClientInChildAsg(KVR_GROUP group, KVR_SYSTEM system) noexcept {

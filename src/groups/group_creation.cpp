@@ -1,28 +1,14 @@
 #include "groups/group_creation.h"
 
 #include "config/backup_push.h"
+#include "groups/group_name.h"
 #include "groups/slot_allocation.h"
 #include "model/group_record.h"
 #include "model/local_state.h"
-#include "platform/text.h"
-#include "tables/host_names.h"
 #include "tables/host_tables.h"
 
 namespace kvr {
 namespace {
-
-// A group's name as the caller gives it, in one of its two forms.
-struct GivenName {
-  const char *ascii;
-  const KVR_WCHAR *wide;
-};
-
-bool Fits(const GivenName &name) {
-  if (name.ascii != nullptr) {
-    return BoundedLength(name.ascii, KVR_NAME_CAPACITY) < KVR_NAME_CAPACITY;
-  }
-  return name.wide != nullptr && BoundedLength(name.wide, KVR_NAME_CAPACITY) < KVR_NAME_CAPACITY;
-}
 
 std::uint32_t CheckCreation(const GroupRecord *parent, const GivenName &name,
                             const SystemRecord *client, std::uint32_t freeCount) {
@@ -31,7 +17,7 @@ std::uint32_t CheckCreation(const GroupRecord *parent, const GivenName &name,
   if (!IsLive(client)) return KVR_ERR_INVALID_HANDLE;
   if (parent != nullptr && IsOffline(*parent)) return KVR_ERR_OFFLINE_GROUP;
   if (client->saIndex >= 0) return KVR_ERR_ALREADY_CLIENT;
-  if (!Fits(name)) return KVR_ERR_INVALID_NAME;
+  if (LengthOf(name) == KVR_NAME_CAPACITY) return KVR_ERR_INVALID_NAME;
   if (client->inAcg == 0) return KVR_ERR_SYSTEM_NOT_IN_ACG;
   if (parent != nullptr && ListFind(parent->servers, client) == nullptr) {
     return KVR_ERR_INVALID_HANDLE;
@@ -60,24 +46,10 @@ std::uint32_t TakeSlots(const GroupRecord *parent, SystemRecord *client, std::ui
   return result;
 }
 
-void StoreName(SystemRecord *client, const GivenName &name) {
-  if (name.wide != nullptr) {
-    WriteHostNameW(client, name.wide);
-  } else {
-    WriteHostNameA(client, name.ascii);
-  }
-}
-
 GroupRecord *AddGroup(GroupRecord *parent, const GivenName &name, SystemRecord *client) {
   GroupRecord *group = NewGroup(client, parent);
   group->servers = ListCreate(CompareSystems);
-  if (name.wide != nullptr) {
-    CopyPadded(group->nameW, KVR_NAME_CAPACITY, name.wide,
-               BoundedLength(name.wide, KVR_NAME_CAPACITY));
-  } else {
-    CopyPadded(group->name, KVR_NAME_CAPACITY, name.ascii,
-               BoundedLength(name.ascii, KVR_NAME_CAPACITY));
-  }
+  SetName(*group, name);
   InsertGroup(group);
   return group;
 }

@@ -8,6 +8,11 @@
 #include "platform/text.h"
 
 namespace kvr {
+namespace {
+
+OrderedList *g_retiredGroups = nullptr;  // owns its groups; null while there is none
+
+}  // namespace
 
 OrderedList *g_topGroups = nullptr;
 std::uint32_t g_topGroupCount = 0;
@@ -43,6 +48,23 @@ void InsertGroup(GroupRecord *group) {
   if (list == nullptr) list = ListCreate(CompareGroups);
   ListInsertSorted(list, group);
   ++(parent != nullptr ? parent->childCount : g_topGroupCount);
+}
+
+void TakeOutGroup(const GroupRecord *group) {
+  GroupRecord *parent = group->parent;
+  ListUnlink(ListFind(parent != nullptr ? parent->children : g_topGroups, group), 0);
+  --(parent != nullptr ? parent->childCount : g_topGroupCount);
+}
+
+void RetireGroup(GroupRecord *group) {
+  group->magic = 0;
+  if (g_retiredGroups == nullptr) g_retiredGroups = ListCreate(CompareGroups);
+  ListInsertSorted(g_retiredGroups, group);
+}
+
+void FreeRetiredGroups() {
+  FreeGroups(g_retiredGroups);
+  g_retiredGroups = nullptr;
 }
 
 void FreeGroup(GroupRecord *group) {

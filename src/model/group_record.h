@@ -56,6 +56,17 @@ GroupRecord *NewOfflineGroup(GroupRecord *parent);
 // does not exist is created.
 void InsertGroup(GroupRecord *group);
 
+// Takes a group out of the list that holds it, and of the count there; the caller owns it from now
+// on. It is found by its 8-bit name, which must be the one it was put in with.
+void TakeOutGroup(const GroupRecord *group);
+
+// Ends an Offline Client group that is in no list any more: no handle check passes for it from now
+// on, but the record stays readable until FreeRetiredGroups, for callers that still hold it.
+void RetireGroup(GroupRecord *group);
+
+// Frees every retired group.
+void FreeRetiredGroups();
+
 // Frees one group that is in no list any more, with its lists but not its child groups.
 void FreeGroup(GroupRecord *group);
 

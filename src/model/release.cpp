@@ -12,6 +12,7 @@ void ReleaseModel() {
     FreeGroupTree(g_topGroups);
     g_topGroups = nullptr;
   }
+  FreeRetiredGroups();
   if (g_backupMscList != nullptr) {
     ListDestroy(g_backupMscList, 0);
     g_backupMscList = nullptr;

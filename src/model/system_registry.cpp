@@ -10,6 +10,17 @@ std::uint32_t g_systemCount = 0;
 std::uint32_t g_secureCount = 0;
 std::uint32_t g_unsecureCount = 0;
 
+void BeginService(SystemRecord &system, std::int32_t slot) {
+  SetIndexBit(system.indexBitmap, static_cast<std::uint32_t>(slot));
+  ++system.asgServerCount;
+}
+
+void EndService(SystemRecord &system, std::int32_t slot) {
+  if (!TestIndexBit(system.indexBitmap, slot)) return;
+  ClearIndexBit(system.indexBitmap, static_cast<std::uint32_t>(slot));
+  --system.asgServerCount;
+}
+
 void ResetMembership(SystemRecord &system) {
   system.inAcg = 0;
   system.lastOpFailed = 0;

@@ -20,6 +20,11 @@ inline ListView<SystemRecord> Systems() {
   return ListView<SystemRecord>(g_systemList);
 }
 
+// Notes that a system serves the holder of a slot as a server of one group more, or no longer. What
+// was noted already as ended is not counted twice.
+void BeginService(SystemRecord &system, std::int32_t slot);
+void EndService(SystemRecord &system, std::int32_t slot);
+
 // Takes every mark of the configuration off a record: it is outside the ACG and holds nothing.
 void ResetMembership(SystemRecord &system);
 
