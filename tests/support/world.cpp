@@ -97,10 +97,12 @@ World::World(const std::vector<std::string> &lines, unsigned adapters, bool know
   }
   network_ = std::make_shared<fabric::Network>(description, "");
   network_->SetLogging(true);
-  fabric::SetCurrentNetwork(network_);
+  Use();
   for (const std::string &line : lines)
     if (Words(line).size() > 1) Plant(line);
 }
+
+void World::Use() const { fabric::SetCurrentNetwork(network_); }
 
 World::~World() {
   network_->StopAnnouncing();
@@ -161,11 +163,12 @@ std::uint32_t Create(const std::string &parent, const std::string &client, std::
 std::string Tree() { return TreeOf(kvr::g_topGroups, false, false); }
 
 std::string Model(bool groupNames) {
-  std::string text = fmt::format(
-      "slot {} role {}{}{}{} systems {}+{}={} backups {} groups {}: {}\n", kvr::g_localIndex,
-      kvr::g_securityActive, kvr::g_isSecureClient, kvr::g_isMsc, kvr::g_isBackupMsc,
-      kvr::g_secureCount, kvr::g_unsecureCount, kvr::g_systemCount, NamesIn(kvr::g_backupMscList),
-      kvr::g_topGroupCount, TreeOf(kvr::g_topGroups, true, groupNames));
+  std::string text =
+      fmt::format("slot {} role {}{}{}{}{} systems {}+{}={} backups {} groups {}: {}\n",
+                  kvr::g_localIndex, kvr::g_securityActive, kvr::g_isSecureClient, kvr::g_isMsc,
+                  kvr::g_isBackupMsc, kvr::g_switchAccessEnabled != 0 ? 1 : 0, kvr::g_secureCount,
+                  kvr::g_unsecureCount, kvr::g_systemCount, NamesIn(kvr::g_backupMscList),
+                  kvr::g_topGroupCount, TreeOf(kvr::g_topGroups, true, groupNames));
   for (const kvr::SystemRecord &s : kvr::Systems())
     text += fmt::format("{} in {} slot {} groups {} serves {:x}\n", s.discovered.systemName,
                         s.inAcg, s.saIndex, s.asgServerCount, fmt::join(s.indexBitmap, "."));

@@ -42,6 +42,7 @@ class World {
   ~World();
   fabric::Network *operator->() const { return network_.get(); }
 
+  void Use() const;  // where there are several worlds, of which the last one made is in use
   void Plant(const std::string &line) const;
   std::uint32_t Start(const std::string &host) const;  // a new process on the host; KVR_Initialize
   std::uint32_t As(const std::string &host) const;     // the same, with a discovery, and no calls
