@@ -117,15 +117,15 @@ typedef void (*KVR_DISCOVERY_CALLBACK)(uintptr_t context);
 /* Library state and discovery */
 
 /* Loads this host's adapters, table and role, once per process. Not behind the gate.
- * Results
- *   0     loaded, a configuration's table was found; also every call after the first accepted one
+ * Results: 0 when a configuration's table was found; also every call after the first accepted one;
  *   5004  loaded, but this host holds no table: there is no configuration here (the library is
  *         usable, and may create one)
  *   5002  the host has no adapter: the library stays unusable in this process, and each further
  *         call answers 5002 again */
 KVR_API uint32_t KVR_Initialize(void) KVR_NOEXCEPT;
 
-/* Tells whether a configuration is active on this host: 0 when it is, 5004 when not. */
+/* Tells whether a configuration is active on this host.
+ * Results: 0 when it is; 5004 when not. */
 KVR_API uint32_t KVR_SecurityState(void) KVR_NOEXCEPT;
 
 /* 1 when this host holds a slot of its own in the configuration (client, MSC or backup), else 0. */

@@ -86,6 +86,8 @@ TEST(Configuration, RefusesWithoutTouchingAnything) {
     std::uint32_t code;
   } cases[] = {
       {"A K S", create, KVR_ERR_NOT_MSC},
+      {"A K S", KVR_GenerateNewKeys, KVR_ERR_NOT_MSC},
+      {"A K S", [] { return KVR_EnableSwitchAccess(1); }, KVR_ERR_NOT_MSC},
       {"M", create, KVR_ERR_ALREADY_MSC},
       {"A K S", KVR_DeleteKVR, KVR_ERR_NOT_MSC},
       {"U", KVR_DeleteKVR, KVR_ERR_NOT_SECURED},

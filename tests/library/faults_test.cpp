@@ -21,6 +21,10 @@ std::uint32_t Reserve(const char *client, std::uint32_t count) {
   return KVR_ModifyReservedIndexCount(Group(client), &count);
 }
 
+std::uint32_t CreateWide(const char *parent, const char *client) {
+  return KVR_CreateAsgW(Group(parent), u"\u0416", System(client), nullptr, nullptr);
+}
+
 TEST(Faults, LeaveEveryChangeUndoneOrDone) {
   const World world(kTables), lone({"U", "S"});
   const struct {
@@ -43,7 +47,8 @@ TEST(Faults, LeaveEveryChangeUndoneOrDone) {
       {"K", {"AssignNewMSC", [&] { return AssignNewMsc(world, nullptr); }}},
       {"M", {"CreateAsg", [] { return Create("", "S", 2); }}},
       {"M", {"CreateAsg", [] { return Create("A", "C", 0); }}},
-      {"A", {"CreateAsg", [] { return Create("", "C", 0); }}},
+      {"A", {"CreateAsg", [] { return CreateWide("", "C"); }}},
+      {"M", {"CreateAsg", [] { return CreateWide("A", "C"); }}},
       {"M", {"RenameAsg", [] { return KVR_RenameAsgA(Group("B"), "x"); }}},
       {"M", {"RenameAsg", [] { return KVR_RenameAsgW(Group("A"), u"\u0416"); }}},
       {"M", {"DeleteAsg", [] { return KVR_DeleteAsg(Group("D")); }}},

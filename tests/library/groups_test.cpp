@@ -1,91 +1,15 @@
-// Groups: the order of the refusals, the slots that a new group takes, names and searches.
+// Groups: the slots that a new group takes, the order they stand in, and searches.
+#include <ranges>
+
 #include "support/world.h"
 
 using namespace kvrtest;
 
 namespace {
 
-// The network that the refusals start from. The client of slot 11 is missing, so D's group hangs
-// below an Offline Client.
+// The client of slot 11 is missing, so D's group hangs below an Offline Client.
 const std::vector<std::string> kTables = {
     "M 5=3 10=4 11=8 12=8 13=4", "A 10=1 11=14 12=18 s5", "D 12=1 s5", "E 13=1 s5", "S s5", "U"};
-
-// What is wrong is put right one after another, so that each code shows although everything after
-// it is wrong as well.
-using Repairs = std::vector<std::pair<std::uint32_t, std::function<void()>>>;
-
-void ExpectInOrder(const World &world, const Repairs &repairs,
-                   std::function<std::uint32_t()> change) {
-  for (const auto &[code, repair] : repairs) {
-    const fabric::ImageSet before = world->Images();
-    EXPECT_EQ(change(), code);
-    EXPECT_EQ(world->Images(), before) << code;
-    repair();
-  }
-  EXPECT_EQ(change(), KVR_OK);
-}
-
-TEST(CreateAsg, RefusesInOrder) {
-  const World world(kTables);
-  world.As("M");
-  kvr::g_isBackupMsc = 1;
-  const std::string longest(31, 'x');
-  std::string name = longest + "x";
-  KVR_SYSTEM s = System("S"), client = reinterpret_cast<KVR_SYSTEM>(Group("A"));
-  KVR_GROUP parent = reinterpret_cast<KVR_GROUP>(s), made = parent;
-  s->saIndex = 7;
-  s->inAcg = 0;
-  std::uint32_t reserve = 0;
-  const Repairs repairs = {{KVR_ERR_IS_BACKUP_MSC, [] { kvr::g_isBackupMsc = 0; }},
-                           {KVR_ERR_INVALID_HANDLE, [&] { parent = Group("?"); }},
-                           {KVR_ERR_INVALID_HANDLE, [&] { client = nullptr; }},
-                           {KVR_ERR_INVALID_HANDLE, [&] { client = s; }},
-                           {KVR_ERR_OFFLINE_GROUP, [&] { parent = Group("A"); }},
-                           {KVR_ERR_ALREADY_CLIENT, [&] { s->saIndex = -1; }},
-                           {KVR_ERR_INVALID_NAME, [&] { name = longest; }},
-                           {KVR_ERR_SYSTEM_NOT_IN_ACG, [&] { s->inAcg = 1; }},
-                           {KVR_ERR_INVALID_HANDLE, [&] { ListInsertSorted(parent->servers, s); }},
-                           {KVR_ERR_NO_FREE_INDEX, [&] {
-                              EXPECT_EQ(KVR_GetFreeIndexCount(parent), 0u);
-                              EXPECT_EQ(made, reinterpret_cast<KVR_GROUP>(s))
-                                  << "untouched by a refusal";
-                              world.Plant("A 10=1 11=14 12=18 14=10");
-                            }}};
-  ExpectInOrder(world, repairs,
-                [&] { return KVR_CreateAsgA(parent, name.c_str(), client, &reserve, &made); });
-  EXPECT_EQ(made, Group("S"));
-  EXPECT_EQ(KVR_CreateAsgA(nullptr, nullptr, System("D"), nullptr, nullptr),
-            KVR_ERR_ALREADY_CLIENT);
-  s->saIndex = -1;
-  EXPECT_EQ(KVR_CreateAsgW(nullptr, nullptr, s, nullptr, nullptr), KVR_ERR_INVALID_NAME);
-  EXPECT_EQ(KVR_CreateAsgW(nullptr, std::u16string(32, u'x').c_str(), s, nullptr, nullptr),
-            KVR_ERR_INVALID_NAME);
-}
-
-TEST(AddServerToAsg, RefusesInOrder) {
-  const World world(kTables);
-  world.As("M");
-  kvr::g_isBackupMsc = 1;
-  KVR_SYSTEM s = System("S"), system = nullptr;
-  KVR_GROUP group = reinterpret_cast<KVR_GROUP>(s), d = Group("D"), e = Group("E");
-  d->parent = e;
-  s->inAcg = 0;
-  ListInsertSorted(d->servers, s);
-  ListInsertSorted(kvr::g_backupMscList, s);
-  const Repairs repairs = {
-      {KVR_ERR_IS_BACKUP_MSC, [] { kvr::g_isBackupMsc = 0; }},
-      {KVR_ERR_INVALID_HANDLE, [&] { group = Group("?"); }},
-      {KVR_ERR_INVALID_HANDLE, [&] { system = s; }},
-      {KVR_ERR_OFFLINE_GROUP, [&] { group = d; }},
-      {KVR_ERR_SYSTEM_NOT_IN_ACG, [&] { s->inAcg = 1; }},
-      {KVR_ERR_ALREADY_ASG_SERVER, [&] { ListUnlink(ListFirst(d->servers), 0); }},
-      {KVR_ERR_INVALID_HANDLE, [&] { ListInsertSorted(e->servers, s); }},
-      {KVR_ERR_IS_BACKUP_MSC, [] { ListUnlink(ListFirst(kvr::g_backupMscList), 0); }}};
-  world.Calls();
-  ExpectInOrder(world, repairs, [&] { return KVR_AddServerToAsg(group, system); });
-  EXPECT_EQ(world.Calls(), "ReadAccessControlTable:S WriteAccessControlTable:S");
-  EXPECT_TRUE(Same(*world->Image("S"), MakeImage("S s5 s12")));
-}
 
 TEST(CreateAsg, TakesTheLowestFreeSlotsOfItsPool) {
   const std::string five = "A 9=1 10=10 11=10 12=10 13=10 14=10 246=10 s0", one = "A 9=1 20=10 s0";
@@ -147,6 +71,24 @@ TEST(GroupQueries, LookBelowAGroupAndKnowAnOfflineClient) {
     EXPECT_EQ(KVR_IsServerInChildAsg(Group(group), System("S")), servesBelow) << group;
     EXPECT_EQ(KVR_IsClientInChildAsg(Group(group), System("D")), isClientBelow) << group;
     EXPECT_EQ(KVR_GetChildAsgCount(Group(group)), children) << group;
+  }
+  const auto below = [](KVR_GROUP parent) {
+    return [=](auto *groups, auto *count) { return KVR_GetChildAsgs(parent, groups, count); };
+  };
+  const std::vector<KVR_GROUP> top = {Group("A"), Group("E")};
+  const std::pair<std::vector<KVR_GROUP>,
+                  std::function<std::uint32_t(KVR_GROUP *, std::uint32_t *)>>
+      lists[] = {{top, KVR_GetAsgs}, {top, below(nullptr)}, {{Group("?")}, below(Group("A"))}};
+  for (const auto &[children, list] : lists) {
+    for (std::uint32_t capacity = 0, count; capacity < 4; ++capacity) {
+      std::vector<KVR_GROUP> groups(4);
+      EXPECT_EQ(list(groups.data(), &(count = capacity)),
+                capacity < children.size() ? KVR_ERR_MORE_GROUPS : KVR_OK);
+      groups.resize(std::find(groups.begin(), groups.end(), nullptr) - groups.begin());
+      ASSERT_EQ(groups.size(), count);
+      EXPECT_TRUE(std::ranges::equal(groups, children | std::views::take(capacity)));
+      EXPECT_EQ(list(nullptr, &(count = 1)), KVR_ERR_INVALID_HANDLE);
+    }
   }
   KVR_GROUP offline = Group("?");
   char name[15] = {};

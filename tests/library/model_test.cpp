@@ -63,14 +63,18 @@ TEST(ListFillSystems, GivesTheOrderOfInsertingOneByOne) {
   }));
 }
 
-// The MSC M with the client A, which B and longname1 serve, and two hosts outside the ACG.
+// The MSC M with its backup K, the client A, which B and longname1 serve and S could, and two hosts
+// outside the ACG.
 using Lines = std::vector<std::string>;
-const Lines kHosts = {"V", "longname1 s5 s10", "M 5=3 10=4", "B s5 s10", "A 10=1 s5", "U"};
+const Lines kHosts = {"V",    "longname1 s5 s10", "M 5=3 10=4", "B s5 s10", "A 10=1 s5", "U",
+                      "S s5", "K 5=21 10=4 s5"};
 
 TEST(Registry, ListsTheFirstSystemsThatFit) {
   const World world(kHosts);
   const std::pair<Lines, std::function<std::uint32_t(KVR_SYSTEM *, std::uint32_t *)>> lists[] = {
-      {{"A", "B", "longname1"}, KVR_GetAcgServers},
+      {{"A", "B", "K", "S", "longname1"}, KVR_GetAcgServers},
+      {{"K"}, KVR_GetBackupMSCs},
+      {{"S"}, [](auto *s, auto *n) { return KVR_GetAvailAsgServers(Group("A"), s, n); }},
       {{"U", "V"}, KVR_GetUnsecureServers},
       {{"B", "longname1"}, [](auto *s, auto *n) { return KVR_GetAsgServers(Group("A"), s, n); }},
       {{"A", "U", "V"}, KVR_GetLastOpFailedServers}};
@@ -78,15 +82,16 @@ TEST(Registry, ListsTheFirstSystemsThatFit) {
     for (std::uint32_t capacity = 0, count; capacity <= names.size() + 1; ++capacity) {
       world.As("M");
       for (const char *failed : {"A", "U", "V"}) System(failed)->lastOpFailed = 1;
-      KVR_SYSTEM systems[5] = {};
+      KVR_SYSTEM systems[7] = {};
       EXPECT_EQ(list(systems, &(count = capacity)), capacity < names.size() ? 5005u : 0u);
       ASSERT_EQ(count, std::min<std::size_t>(capacity, names.size()));
-      for (std::uint32_t i = 0; i < 5; ++i)
+      for (std::uint32_t i = 0; i < 7; ++i)
         EXPECT_EQ(systems[i], i < count ? System(names[i]) : nullptr);
       EXPECT_EQ(list(nullptr, &(count = 1)), KVR_ERR_INVALID_HANDLE);
       EXPECT_EQ(list(systems, nullptr) + count, KVR_ERR_INVALID_HANDLE + 1);
-      KVR_GetLastOpFailedServers(systems, &(count = 5));
-      EXPECT_EQ(count, names[1] == "U" ? 3 - std::min(capacity, 3u) : 3) << "only those delivered";
+      KVR_GetLastOpFailedServers(systems, &(count = 7));
+      EXPECT_EQ(count, names.size() == 3 ? 3 - std::min(capacity, 3u) : 3)
+          << "only those delivered";
     }
   }
 }
@@ -94,15 +99,17 @@ TEST(Registry, ListsTheFirstSystemsThatFit) {
 TEST(Registry, NamesHostsOutsideTheAcgOnlyOnItsMsc) {
   const World world(kHosts);
   for (const auto &[host, list, naming] :
-       {std::tuple("M", 0u, 0u), {"B", 5000, 5007}, {"U", 0, 0}}) {
+       {std::tuple("M", 0u, 0u), {"B", 5000, 5007}, {"K", 5000, 5007}, {"U", 0, 0}}) {
     world.As(host);
-    std::uint32_t count = 6;
-    KVR_SYSTEM systems[6];
+    std::uint32_t count = 8;
+    KVR_SYSTEM systems[8];
     char name[12] = "???????????";
     EXPECT_EQ(KVR_GetUnsecureServers(systems, &count), list);
     EXPECT_EQ(KVR_GetUnsecureServerCount(), list == 0 ? count : 0);
     EXPECT_EQ(KVR_GetSystemNameA(System("V"), name, 12), naming);
     EXPECT_STREQ(name, naming == 0 ? "V" : "");
+    if (KVR_IsBackupMSC() == 0) continue;
+    EXPECT_EQ(KVR_GetAvailAsgServers(nullptr, nullptr, &count), KVR_ERR_IS_BACKUP_MSC);
   }
 }
 
@@ -114,6 +121,7 @@ void ExpectCutOrPadded(std::uint32_t (*ask)(Handle, Char *, std::uint32_t), Hand
     std::basic_string<Char> buffer(12, Char{'#'});
     EXPECT_EQ(ask(handle, buffer.data(), size), size < 9 ? KVR_ERR_NAME_TRUNCATED : KVR_OK);
     EXPECT_EQ(std::string(buffer.begin(), buffer.end()), stored);
+    EXPECT_EQ(ask(nullptr, buffer.data(), size), KVR_ERR_INVALID_HANDLE);
   }
 }
 
@@ -124,6 +132,7 @@ TEST(Names, AreCutAndPaddedToTheBuffer) {
   ExpectCutOrPadded<KVR_WCHAR>(KVR_GetSystemNameW, System("longname1"));
   ExpectCutOrPadded<char>(KVR_GetAsgNameA, Group("longname1"));
   ExpectCutOrPadded<KVR_WCHAR>(KVR_GetAsgNameW, Group("longname1"));
+  EXPECT_EQ(KVR_GetAsgNameW(Group("longname1"), nullptr, 9), KVR_ERR_NO_NAME);
 }
 
 TEST(CanDiscoverAllSystems, NeedsAReachIdInCommonWithEveryOther) {
