@@ -16,10 +16,10 @@ namespace {
 // that corrects it: it holds the MSC's slot, so that it can neither leave the ACG nor become a
 // backup.
 constexpr char kFormerMsc[] =
-    "The former MSC's own table still says that it is the MSC. Run nothing on it that changes the "
-    "configuration. Cut it off from the other hosts, run `kvrctl destroy` on it, which then "
-    "removes "
-    "its own table alone, and name it here again with `kvrctl backup add` once it is back.";
+    "The former MSC's own table still says that it is the MSC. Run nothing on it while it reaches "
+    "other hosts: its discovery alone writes to the backup MSCs. Cut it off from them, run "
+    "`kvrctl destroy` on it, which then removes its own table alone, and when it is back name it "
+    "again with `kvrctl backup add` on the new MSC.";
 
 // Asks the library for the change; a host without the role is told who has it.
 void Assign(const std::string &doing, KVR_SYSTEM system) {
@@ -49,9 +49,9 @@ Outcome HandOver(const std::string &name) {
     outcome.failure = Failure(doing, KVR_ERR_LOCAL_WRITE_FAILED);
     outcome.failure->status = ExitStatus::Partial;
     outcome.failure->hint = fmt::format(
-        "The role has gone to {}, but this host's table still claims its slot: change nothing from "
-        "here. Cut this host off from the others, run `kvrctl destroy` on it, and bring it back "
-        "with `kvrctl acg add` on {}.",
+        "The role has gone to {}, but this host's table still claims the MSC's slot. Cut this host "
+        "off from the others, run `kvrctl destroy` on it, and bring it back with `kvrctl acg add` "
+        "on {}.",
         next.name, next.name);
   }
   return outcome;
@@ -75,9 +75,8 @@ void AddSuccessionCommands(CLI::App &app, Chosen &chosen) {
              [next] { return HandOver(*next); })
       ->add_option("HOST", *next, "The backup MSC that becomes the MSC")
       ->required();
-  AddCommand(app, "takeover",
-             "Take the MSC's role on this backup MSC, when the MSC is lost for good", chosen,
-             TakeOver);
+  AddCommand(app, "takeover", "Take the MSC's role on this backup MSC, when the MSC is lost",
+             chosen, TakeOver);
 }
 
 }  // namespace kvrctl

@@ -7,6 +7,8 @@
 #include "command.h"
 #include "host_changes.h"
 #include "library.h"
+#include "slot_reader.h"
+#include "text.h"
 
 namespace kvrctl {
 namespace {
@@ -50,10 +52,17 @@ Outcome SwitchAccess(const SwitchRequest &request) {
   const HostResults results = ResultsInAcg(library, code);
   Outcome outcome = {
       {{"enabled", on}, {"written", true}, {"done", results.done}},
-      Line("Switch access is {} on this host and on: {}.", request.state, Shown(results.done)),
+      Line("Switch access is {}. Written here and to: {}.", request.state, Shown(results.done)),
       {},
       std::nullopt};
-  if (code != KVR_OK) outcome.failure = PartialFailure(doing, results, Again(request.state));
+  if (code != KVR_OK) {
+    outcome.failure = PartialFailure(doing, results, Again(request.state));
+  } else if (ReadLocalSwitchAccess() != on) {
+    // The library does not tell whether this host's adapter took its table.
+    outcome.failure = Failure(doing, KVR_ERR_LOCAL_WRITE_FAILED);
+    outcome.failure->status = ExitStatus::Partial;
+    AddRetry(*outcome.failure, Again(request.state));
+  }
   return outcome;
 }
 

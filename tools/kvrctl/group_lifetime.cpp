@@ -1,8 +1,6 @@
 #include "group_lifetime.h"
 
-#include <algorithm>
-
-#include <fmt/format.h>
+#include <optional>
 
 #include "kvrapi/kvrapi.h"
 
@@ -72,7 +70,7 @@ Failure DeletionFailure(const Library &library, const std::string &doing, std::u
   for (const Host *host : library.TakeFailedHosts())
     failure.failedHosts.push_back({host->name, code});
   if (!deleted) {
-    failure.hint += fmt::format(" To retry: `{}`.", CommandText(retry));
+    AddRetry(failure, retry);
   } else if (code == KVR_ERR_SERVERS_FAILED) {
     failure.hint =
         "The group is deleted, but the hosts listed still serve its slot: take them out with "
@@ -137,11 +135,12 @@ Outcome DeleteGroup(const std::string &path) {
   const bool changed = deleted || !servers.done.empty();
   if (failure) failure->status = changed ? ExitStatus::Partial : StatusOf(failure->code);
   if (!changed) throw *failure;
-  return {{{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
-          Line("Group {} {}. Removed from its servers: {}.", group.path,
-               deleted ? "is deleted" : "stays", Shown(servers.done)),
-          {},
-          failure};
+  return {
+      {{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
+      Line("Group {} {}. Removed from its servers: {}.", group.path,
+           deleted ? "is deleted" : "stays", servers.done.empty() ? "none" : Shown(servers.done)),
+      {},
+      failure};
 }
 
 }  // namespace kvrctl

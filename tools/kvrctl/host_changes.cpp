@@ -85,6 +85,10 @@ void AddMscChange(CLI::App &family, Chosen &chosen, const std::string &name,
       ->required();
 }
 
+void AddRetry(Failure &failure, const std::vector<std::string> &command) {
+  failure.hint += fmt::format(" To retry: `{}`.", CommandText(command));
+}
+
 std::vector<std::string> NamingFailed(std::vector<std::string> command,
                                       const HostResults &results) {
   for (const HostFailure &failed : results.failed) {
@@ -107,7 +111,7 @@ Failure PartialFailure(const std::string &doing, const HostResults &results,
   Failure failure(doing, (settled ? failed.front() : *open).code, Shown(names) + share);
   failure.status = ExitStatus::Partial;
   failure.failedHosts = failed;
-  if (!settled) failure.hint += fmt::format(" To retry: `{}`.", CommandText(retry));
+  if (!settled) AddRetry(failure, retry);
   return failure;
 }
 

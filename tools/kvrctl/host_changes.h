@@ -45,6 +45,9 @@ void AddMscChange(CLI::App &family, Chosen &chosen, const std::string &name,
                   const std::string &description, const Wording &wording,
                   std::uint32_t (*change)(KVR_SYSTEM));
 
+// Ends the failure's way out with the command that repeats what was asked.
+void AddRetry(Failure &failure, const std::vector<std::string> &command);
+
 // The command with the names of the failed hosts behind it, those left out for which a repetition
 // would change nothing.
 std::vector<std::string> NamingFailed(std::vector<std::string> command, const HostResults &results);

@@ -65,7 +65,7 @@ constexpr std::array kTexts = {
                "Nothing needs to be done; `kvrctl group show` lists the servers."},
     ResultText{KVRCTL_CODE(KVR_ERR_REMOTE_ACCESS_FAILED),
                "a table of the host could not be reached through any of its adapters",
-               "Check that the host and its adapters are up, then run the command again."},
+               "Check that the host and its adapters are up, then try again."},
     ResultText{KVRCTL_CODE(KVR_ERR_SYSTEM_NOT_IN_ACG), "the host is not in the ACG",
                "Add it on the MSC with `kvrctl acg add` first."},
     ResultText{KVRCTL_CODE(KVR_ERR_HAS_CHILD_GROUPS), "the group has child groups",
