@@ -46,7 +46,7 @@ Outcome HandOver(const std::string &name) {
   if (!fromMsc) outcome.notes.emplace_back(kFormerMsc);
   // The library does not tell whether this host's adapter took the table of a plain member.
   if (!ReadLocalSlot().is_null()) {
-    outcome.failure = Failure(doing, KVR_ERR_LOCAL_WRITE_FAILED);
+    outcome.failure = Failure("Storing this host's table", KVR_ERR_LOCAL_WRITE_FAILED);
     outcome.failure->status = ExitStatus::Partial;
     outcome.failure->hint = fmt::format(
         "The role has gone to {}, but this host's table still claims the MSC's slot. Cut this host "

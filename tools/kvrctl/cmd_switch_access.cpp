@@ -50,16 +50,18 @@ Outcome SwitchAccess(const SwitchRequest &request) {
   const std::uint32_t code = Write(on, stored);
   if (code != KVR_ERR_SERVERS_FAILED) Require(doing, code);
   const HostResults results = ResultsInAcg(library, code);
-  Outcome outcome = {
-      {{"enabled", on}, {"written", true}, {"done", results.done}},
-      Line("Switch access is {}. Written here and to: {}.", request.state, Shown(results.done)),
-      {},
-      std::nullopt};
+  // The library does not tell whether this host's adapter took its table.
+  const bool storedHere = ReadLocalSwitchAccess() == on;
+  Json written = results.done;
+  if (storedHere) written.push_back("this host");
+  Outcome outcome = {{{"enabled", on}, {"written", true}, {"done", results.done}},
+                     Line("Switch access is {}. Written to: {}.", request.state, Shown(written)),
+                     {},
+                     std::nullopt};
   if (code != KVR_OK) {
     outcome.failure = PartialFailure(doing, results, Again(request.state));
-  } else if (ReadLocalSwitchAccess() != on) {
-    // The library does not tell whether this host's adapter took its table.
-    outcome.failure = Failure(doing, KVR_ERR_LOCAL_WRITE_FAILED);
+  } else if (!storedHere) {
+    outcome.failure = Failure("Storing this host's table", KVR_ERR_LOCAL_WRITE_FAILED);
     outcome.failure->status = ExitStatus::Partial;
     AddRetry(*outcome.failure, Again(request.state));
   }
