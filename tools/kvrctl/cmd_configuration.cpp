@@ -26,12 +26,11 @@ Outcome Destroy() {
   if (code != KVR_ERR_SERVERS_FAILED && code != KVR_ERR_LOCAL_REMOVE_FAILED) Require(kDoing, code);
   const HostResults results = ResultsInAcg(library, code);
   const bool gone = code == KVR_OK;
-  Outcome outcome = {
-      {{"here", gone}, {"removed", results.done}},
-      Line("The configuration {} here. Removed from other hosts: {}.", gone ? "is gone" : "remains",
-           results.done.empty() ? "none" : Shown(results.done)),
-      {},
-      std::nullopt};
+  Outcome outcome = {{{"here", gone}, {"removed", results.done}},
+                     Line("The configuration {} here. Removed from other hosts: {}.",
+                          gone ? "is gone" : "remains", ShownList(results.done)),
+                     {},
+                     std::nullopt};
   if (code == KVR_ERR_SERVERS_FAILED) {
     outcome.failure = PartialFailure(kDoing, results, {"kvrctl", "destroy"});
   } else if (!gone) {

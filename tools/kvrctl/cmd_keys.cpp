@@ -24,7 +24,7 @@ Outcome RenewKeys() {
   if (code != KVR_ERR_SERVERS_FAILED) Require(kDoing, code);
   const HostResults results = ResultsInAcg(library, code);
   Outcome outcome = {{{"done", results.done}},
-                     Line("New keys on: {}.", Shown(results.done)),
+                     Line("New keys on: {}.", ShownList(results.done)),
                      NotesOn(results),
                      std::nullopt};
   if (code != KVR_OK) {

@@ -54,10 +54,11 @@ Outcome SwitchAccess(const SwitchRequest &request) {
   const bool storedHere = ReadLocalSwitchAccess() == on;
   Json written = results.done;
   if (storedHere) written.push_back("this host");
-  Outcome outcome = {{{"enabled", on}, {"written", true}, {"done", results.done}},
-                     Line("Switch access is {}. Written to: {}.", request.state, Shown(written)),
-                     {},
-                     std::nullopt};
+  Outcome outcome = {
+      {{"enabled", on}, {"written", true}, {"done", results.done}},
+      Line("Switch access is {}. Written to: {}.", request.state, ShownList(written)),
+      {},
+      std::nullopt};
   if (code != KVR_OK) {
     outcome.failure = PartialFailure(doing, results, Again(request.state));
   } else if (!storedHere) {

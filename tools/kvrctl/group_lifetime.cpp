@@ -51,7 +51,7 @@ void AddServersTo(Outcome &outcome, KVR_GROUP group, const std::string &path,
   const HostResults results =
       ChangeEach(servers, [group](KVR_SYSTEM system) { return KVR_AddServerToAsg(group, system); });
   outcome.result["done"] = results.done;
-  outcome.text += Line("Added to the servers of {}: {}.", path, Shown(results.done));
+  outcome.text += Line("Added to the servers of {}: {}.", path, ShownList(results.done));
   if (results.failed.empty()) return;
   outcome.failure = PartialFailure("Adding to the servers of " + path, results,
                                    NamingFailed({"kvrctl", "group", "add-server", path}, results));
@@ -135,12 +135,11 @@ Outcome DeleteGroup(const std::string &path) {
   const bool changed = deleted || !servers.done.empty();
   if (failure) failure->status = changed ? ExitStatus::Partial : StatusOf(failure->code);
   if (!changed) throw *failure;
-  return {
-      {{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
-      Line("Group {} {}. Removed from its servers: {}.", group.path,
-           deleted ? "is deleted" : "stays", servers.done.empty() ? "none" : Shown(servers.done)),
-      {},
-      failure};
+  return {{{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
+          Line("Group {} {}. Removed from its servers: {}.", group.path,
+               deleted ? "is deleted" : "stays", ShownList(servers.done)),
+          {},
+          failure};
 }
 
 }  // namespace kvrctl
