@@ -2,6 +2,8 @@
 // whole configuration.
 #include <memory>
 
+#include <fmt/format.h>
+
 #include "kvrapi/kvrapi.h"
 
 #include "command.h"

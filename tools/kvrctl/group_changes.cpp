@@ -111,13 +111,14 @@ Outcome SetClient(const std::string &path, const std::string &host) {
   const Host &client = library.HostNamed(host);
   Require("Handing group " + group.path + " to " + client.name,
           KVR_AssignNewClient(group.handle, client.handle));
+  const bool same = group.client == &client;
   Outcome outcome = {
       {{"path", group.path}, {"client", client.name}, {"former_client", ClientOf(group)}},
-      Line("Group {} has the client {} now, in place of {}.", group.path, client.name,
-           Shown(ClientOf(group))),
+      Line("Group {} has the client {} now{}.", group.path, client.name,
+           same ? "" : ", in place of " + Shown(ClientOf(group))),
       {},
       std::nullopt};
-  if (group.client == &client) {
+  if (same) {
     outcome.notes.emplace_back("It was the client already, so nothing was written.");
   } else if (StoredName(client) != group.name) {
     outcome.notes.push_back(fmt::format(

@@ -127,6 +127,7 @@ Outcome DeleteGroup(const std::string &path) {
   if (!servers.failed.empty()) {
     failure = PartialFailure(doing, servers, retry);
   } else if (const std::uint32_t code = KVR_DeleteAsg(group.handle)) {
+    // A group that is gone has no handle left to ask, but its client holds no slot any more.
     deleted = KVR_IsClient(group.client->handle) == 0;
     failure = DeletionFailure(library, doing, code, deleted, retry);
   } else {
