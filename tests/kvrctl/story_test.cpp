@@ -1,5 +1,9 @@
 // One configuration told by its hosts in turn, each run a process: what one host writes another
 // rebuilds from the tables, and both forms of output say the same.
+#include <cstddef>
+#include <fstream>
+#include <functional>
+
 #include "fabric_folder.h"
 
 namespace {
@@ -15,6 +19,36 @@ class Story : public FabricFolder {
                         {"group", "add-server", "sales", "h3", "h4"},
                         {"group", "create", "sales/north", "--client", "h3"},
                         {"group", "add-server", "@h3", "h4"}}));
+  }
+
+  // Makes a function fail at this host, or at none, from now on.
+  void Break(const char *host, const char *function) {
+    network.faults.clear();
+    if (host != nullptr) network.faults = {{host, {}, function, 1, {}}};
+    Save();
+  }
+
+  // Leaves only these hosts up.
+  void LeaveUp(const std::function<bool(const std::string &)> &isUp) {
+    for (auto &host : network.hosts) host.up = isUp(host.name);
+    Save();
+  }
+
+  // Lets a shell run, as h1, the command that the hint of a failure names last.
+  [[nodiscard]] int RunHinted(const Json &answer) const {
+    const std::string hint = answer["error"]["hint"];
+    const std::size_t first = hint.rfind("`kvrctl ") + 7, last = hint.rfind('`');
+    const std::string words = hint.substr(first, last - first) + " --host h1 --fabric ";
+    return std::system((KVRCTL_PATH + words + folder.Path().string() + " >/dev/null 2>&1").c_str());
+  }
+
+  // The first key of a host's stored table.
+  [[nodiscard]] std::string KeyOf(const std::string &host) const {
+    std::string key(sizeof(KeyEntry), '\0');
+    std::ifstream file(folder.Path() / "tables" / (host + ".satable"), std::ios::binary);
+    file.seekg(offsetof(SaTable, entries) + offsetof(SaEntry, key));
+    file.read(key.data(), sizeof(KeyEntry));
+    return key;
   }
 };
 
@@ -82,6 +116,8 @@ TEST_F(Story, SaysTheSameFactsInBothForms) {
                              {"tree"},
                              {"slots", "sales"},
                              {"group", "show", "sales"},
+                             {"group", "available", "sales"},
+                             {"backup", "list"},
                              {"fabric", "show"}}) {
     SCOPED_TRACE(words.front());
     ExpectFactsIn(Run("h1", words).out, ResultOf("h1", words));
@@ -111,6 +147,87 @@ TEST_F(Story, GoesOnPastHostsThatFail) {
   Save();
   EXPECT_TRUE(ResultOf("h1", {"destroy"})["here"]);
   EXPECT_EQ(WholeImages(), 0u);
+}
+
+TEST_F(Story, IsChangedByItsAdministratorAndHandedOn) {
+  ASSERT_TRUE(RunAll({{"acg", "add", "h6"}, {"group", "add-server", "sales", "h5", "h6"}}));
+  EXPECT_EQ(ResultOf("h1", {"group", "rename", "sales/north", "nörd/1"})["new_path"],
+            "sales/nörd\\/1");
+  EXPECT_EQ(ResultOf("h1", {"group", "set-client", "@h3", "h5"})["former_client"], "h3");
+  ASSERT_TRUE(RunAll(
+      {{"group", "remove-server", "sales", "h3", "h6"}, {"group", "set-reserve", "sales", "3"}}));
+  EXPECT_EQ(ResultOf("h1", {"slots", "sales"}),
+            Json({{"group", "sales"}, {"free", 2}, {"used", 1}}));
+  ASSERT_TRUE(RunAll({{"group", "create", "labs", "--client", "h3", "--server", "h4", "h6"},
+                      {"group", "rename", "labs", "lab"},
+                      {"backup", "add", "h7"},
+                      {"switch-access", "on"},
+                      {"switch-access", "on"},
+                      {"renew-keys"},
+                      {"sync"}}));
+  const Json wide = Ask("h1", {"group", "set-reserve", "lab", "300"});
+  EXPECT_EQ(wide["result"]["granted"], 240) << "of 246 six went to the MSC, the clients and sales";
+  EXPECT_NE(wide["notes"][0].get<std::string>().find("240 of 300"), std::string::npos) << wide;
+  const std::string outline =
+      R"(lab "h3"["h4","h6"]()sales "h2"["h4","h5"](sales/nörd\/1 "h5"["h4"]()))";
+  EXPECT_EQ(Outline(ResultOf("h1", {"tree"})), outline);
+  EXPECT_TRUE(ResultOf("h4", {"status"})["switch_access"]);
+
+  ASSERT_EQ(Run("h1", {"handover", "h7"}).status, 0);
+  EXPECT_EQ(Outline(ResultOf("h7", {"tree"})), outline);
+  EXPECT_FALSE(ResultOf("h1", {"status"})["msc"]);
+  EXPECT_EQ(ResultOf("h7", {"backup", "add", "h1"})["done"], Json({"h1"}));
+  EXPECT_EQ(ResultOf("h7", {"group", "delete", "lab"})["done"], Json({"h4", "h6"}));
+
+  LeaveUp([](const std::string &host) { return host != "h7"; });
+  EXPECT_NE(Ask("h1", {"takeover"})["notes"][0].get<std::string>().find("destroy"),
+            std::string::npos);
+  LeaveUp([](const std::string &host) { return host == "h7"; });
+  EXPECT_EQ(ResultOf("h7", {"destroy"})["removed"], Json::array());
+  LeaveUp([](const std::string &) { return true; });
+  EXPECT_EQ(ResultOf("h1", {"backup", "add", "h7"})["done"], Json({"h7"}));
+  EXPECT_EQ(ResultOf("h1", {"backup", "list"})[0]["name"], "h7");
+  EXPECT_EQ(Outline(ResultOf("h1", {"tree"})), outline.substr(outline.find("sales")));
+}
+
+// Every change of several hosts that stops at h4 leaves the others done, and names the command that
+// does the rest.
+TEST_F(Story, CanBeRepeatedAfterAFailureInTheMiddle) {
+  struct Attempt {
+    const char *function;
+    Words words;
+    Json done;
+  };
+  for (const Attempt &attempt : std::vector<Attempt>{
+           {"TQ_WriteKeyTable", {"renew-keys"}, {"h2", "h3", "h5"}},
+           {"TQ_WriteAccessControlTable", {"switch-access", "on"}, {"h2", "h3", "h5"}},
+           {"TQ_WriteAccessControlTable", {"switch-access", "off"}, {"h2", "h3", "h5"}},
+           {"TQ_WriteAccessControlTable",
+            {"group", "create", "it's", "--client", "h5", "--server", "h4", "h3"},
+            {"h3"}},
+           {"TQ_WriteAccessControlTable", {"group", "delete", "it's"}, {"h3"}},
+           {"TQ_WriteAccessControlTable", {"group", "remove-server", "sales", "h3", "h4"}, {"h3"}},
+       }) {
+    SCOPED_TRACE(testing::PrintToString(attempt.words));
+    Break("h4", attempt.function);
+    const Json answer = Ask("h1", attempt.words, 4);
+    EXPECT_EQ(answer["result"]["done"], attempt.done);
+    EXPECT_EQ(answer["error"]["failed_hosts"].size(), 1u);
+    EXPECT_EQ(answer["error"]["failed_hosts"][0]["host"], "h4");
+    EXPECT_NE(RunHinted(answer), 0) << "while the fault lasts";
+    Break(nullptr, nullptr);
+    EXPECT_EQ(RunHinted(answer), 0) << answer;
+    if (attempt.words[0] == "switch-access") {
+      EXPECT_EQ(ResultOf("h4", {"status"})["switch_access"], attempt.words[1] == "on");
+    }
+  }
+  EXPECT_EQ(Outline(ResultOf("h1", {"tree"})), R"(sales "h2"[](sales/north "h3"["h4"]()))");
+  EXPECT_EQ(KeyOf("h1"), KeyOf("h4"));
+
+  EXPECT_EQ(Run("h1", {"group", "delete", "sales"}).status, 3) << "it has a child";
+  Break("h2", "TQ_WriteSaTableHeader");
+  EXPECT_EQ(Run("h1", {"group", "rename", "sales", "south"}).status, 3) << "not stored";
+  EXPECT_EQ(ResultOf("h1", {"group", "list"})[0]["path"], "sales");
 }
 
 }  // namespace

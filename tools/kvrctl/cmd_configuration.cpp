@@ -1,6 +1,4 @@
 // `kvrctl create` and `kvrctl destroy`: the configuration itself.
-#include <algorithm>
-
 #include "kvrapi/kvrapi.h"
 
 #include "command.h"
@@ -25,24 +23,20 @@ Outcome Destroy() {
   constexpr char kDoing[] = "Deleting the configuration";
   const Library library;
   const std::uint32_t code = KVR_DeleteKVR();
-  if (code != KVR_ERR_SERVERS_FAILED) Require(kDoing, code);
-  const auto kept = library.TakeFailedHosts();
-  Json removed = Json::array();
-  for (const Host &host : library.Hosts()) {
-    const bool failed = std::find(kept.begin(), kept.end(), &host) != kept.end();
-    if (host.inAcg && !failed) removed.push_back(host.name);
-  }
+  if (code != KVR_ERR_SERVERS_FAILED && code != KVR_ERR_LOCAL_REMOVE_FAILED) Require(kDoing, code);
+  const HostResults results = ResultsInAcg(library, code);
   const bool gone = code == KVR_OK;
-  Outcome outcome = {{{"here", gone}, {"removed", removed}},
+  Outcome outcome = {{{"here", gone}, {"removed", results.done}},
                      Line("The configuration {} here. Removed from other hosts: {}.",
-                          gone ? "is gone" : "remains", removed.empty() ? "none" : Shown(removed)),
+                          gone ? "is gone" : "remains", ShownList(results.done)),
                      {},
                      std::nullopt};
-  if (gone) return outcome;
-  std::vector<HostFailure> failures;
-  for (const Host *host : kept)
-    failures.push_back({host->name, code});
-  outcome.failure = PartialFailure(kDoing, removed.size() + kept.size(), code, failures);
+  if (code == KVR_ERR_SERVERS_FAILED) {
+    outcome.failure = PartialFailure(kDoing, results, {"kvrctl", "destroy"});
+  } else if (!gone) {
+    outcome.failure = Failure(kDoing, code);
+    if (!results.done.empty()) outcome.failure->status = ExitStatus::Partial;
+  }
   return outcome;
 }
 

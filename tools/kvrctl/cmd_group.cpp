@@ -1,121 +1,90 @@
-// `kvrctl group`: making groups and giving them servers.
+// `kvrctl group`: the words by which groups are shown, made, changed and deleted.
+#include <functional>
 #include <memory>
-
-#include <fmt/format.h>
-
-#include "kvrapi/kvrapi.h"
+#include <utility>
 
 #include "command.h"
+#include "group_changes.h"
+#include "group_lifetime.h"
 #include "group_views.h"
-#include "host_changes.h"
-#include "library.h"
-#include "result_text.h"
-#include "text.h"
 
 namespace kvrctl {
 namespace {
 
-struct GroupRequest {
-  std::string path;
-  std::string client;
-  std::uint32_t reserve = 0;
-};
+constexpr char kPathHelp[] = "The group, as sales/north, or @HOST by its client";
 
-struct ServerRequest {
+// What the commands for one group take beside its path; each uses its part.
+struct GroupArguments {
   std::string path;
   std::vector<std::string> hosts;
+  std::string word;  // a new name, or one host
+  std::uint32_t slots = 0;
 };
 
-// Takes the last name off the path, leaving that of the parent.
-std::string TakeName(GroupPath &path) {
-  if (path.names.empty()) {
-    throw Failure(ExitStatus::Usage, "INVALID_PATH", "The path names a client but no new group.",
-                  "Write the new group's name after it, as @HOST/NAME.");
-  }
-  std::string name = path.names.back();
-  path.names.pop_back();
-  return name;
+// Adds a command for the group at PATH; its other arguments are put into the second of what is
+// returned.
+std::pair<CLI::App *, std::shared_ptr<GroupArguments>> AddGroupCommand(
+    CLI::App &family, Chosen &chosen, const std::string &name, const std::string &description,
+    const std::function<Outcome(const GroupArguments &)> &run) {
+  auto arguments = std::make_shared<GroupArguments>();
+  CLI::App *command =
+      AddCommand(family, name, description, chosen, [arguments, run] { return run(*arguments); });
+  command->add_option("PATH", arguments->path, kPathHelp)->required();
+  return {command, arguments};
 }
 
-// A name beyond ASCII goes through the UTF-16 form, which alone can hold it.
-std::uint32_t CreateGroup(KVR_GROUP parent, const std::string &name, KVR_SYSTEM client,
-                          std::uint32_t *reserve) {
-  KVR_GROUP created = nullptr;
-  if (IsAscii(name)) return KVR_CreateAsgA(parent, name.c_str(), client, reserve, &created);
-  const auto units = Utf16Of(name);
-  if (!units) {
-    throw Failure(ExitStatus::Usage, "INVALID_PATH", "The name of the group is not valid UTF-8.",
-                  "Write the name in UTF-8.");
-  }
-  const std::basic_string<KVR_WCHAR> wide(units->begin(), units->end());
-  return KVR_CreateAsgW(parent, wide.c_str(), client, reserve, &created);
+void AddCreate(CLI::App &group, Chosen &chosen) {
+  const auto asked = std::make_shared<GroupRequest>();
+  CLI::App *create = AddCommand(group, "create", "Create a group", chosen,
+                                [asked] { return CreateGroup(*asked); });
+  create->add_option("PATH", asked->path, "The new group below its parents, as sales/north")
+      ->required();
+  create->add_option("--client", asked->client, "The host that becomes its client")->required();
+  create->add_option("--reserve", asked->reserve, "Slots set aside for groups below it")
+      ->capture_default_str();
+  create->add_option("--server", asked->servers, "Hosts that serve its client");
 }
 
-Outcome Create(const GroupRequest &request) {
-  GroupPath path = SplitPath(request.path);
-  const std::string shownPath = PathText(path);
-  const std::string name = TakeName(path);
-  const Library library;
-  const bool top = path.client.empty() && path.names.empty();
-  KVR_GROUP parent = top ? nullptr : library.GroupAt(path).handle;
-  const Host &client = library.HostNamed(request.client);
-  std::uint32_t granted = request.reserve;
-  const std::uint32_t code = CreateGroup(parent, name, client.handle, &granted);
-  if (code != KVR_ERR_RESERVED_COUNT_REDUCED) Require("Creating group " + shownPath, code);
-  Outcome outcome = {{{"path", shownPath},
-                      {"client", client.name},
-                      {"asked", request.reserve},
-                      {"granted", granted}},
-                     Line("Created group {} for client {}, with {} of {} reserved slots.",
-                          shownPath, client.name, granted, request.reserve),
-                     {},
-                     std::nullopt};
-  if (code != KVR_OK) {
-    const ResultText &why = TextOf(code);
-    outcome.notes.push_back(
-        fmt::format("{} {}: {}. {}", why.code, why.name, why.meaning, why.hint));
-  }
-  return outcome;
+void AddServerCommands(CLI::App &group, Chosen &chosen) {
+  const auto [add, added] = AddGroupCommand(
+      group, chosen, "add-server", "Let hosts serve a group's client",
+      [](const GroupArguments &asked) { return AddServers(asked.path, asked.hosts); });
+  add->add_option("HOST", added->hosts, "The hosts")->required();
+  const auto [remove, removed] = AddGroupCommand(
+      group, chosen, "remove-server", "End hosts' service to a group's client",
+      [](const GroupArguments &asked) { return RemoveServers(asked.path, asked.hosts); });
+  remove->add_option("HOST", removed->hosts, "The hosts")->required();
 }
 
-Outcome AddServers(const ServerRequest &request) {
-  const Library library;
-  const Group &group = library.GroupAt(SplitPath(request.path));
-  const Wording wording{"Adding to the servers of " + group.path,
-                        "Added to the servers of " + group.path};
-  return ChangeHosts(library, request.hosts, wording, [&group](KVR_SYSTEM system) {
-    return KVR_AddServerToAsg(group.handle, system);
-  });
+void AddChanges(CLI::App &group, Chosen &chosen) {
+  const auto [rename, renamed] = AddGroupCommand(
+      group, chosen, "rename", "Give a group another name",
+      [](const GroupArguments &asked) { return RenameGroup(asked.path, asked.word); });
+  rename->add_option("NAME", renamed->word, "The new name, as it is: no path")->required();
+  const auto [reserve, sized] = AddGroupCommand(
+      group, chosen, "set-reserve", "Change how many slots are set aside for groups below",
+      [](const GroupArguments &asked) { return SetReserve(asked.path, asked.slots); });
+  reserve->add_option("N", sized->slots, "The number of slots in all")->required();
+  const auto [client, handed] = AddGroupCommand(
+      group, chosen, "set-client", "Hand a group, with those below it, to another client",
+      [](const GroupArguments &asked) { return SetClient(asked.path, asked.word); });
+  client->add_option("HOST", handed->word, "The host that becomes its client")->required();
 }
-
-constexpr char kPathHelp[] = "The group, as sales/north, or @HOST by its client";
 
 }  // namespace
 
 void AddGroupCommands(CLI::App &app, Chosen &chosen) {
   CLI::App *group = AddFamily(app, "group", "Show and change groups");
-
-  const auto made = std::make_shared<GroupRequest>();
-  CLI::App *create =
-      AddCommand(*group, "create", "Create a group", chosen, [made] { return Create(*made); });
-  create->add_option("PATH", made->path, "The new group below its parents, as sales/north")
-      ->required();
-  create->add_option("--client", made->client, "The host that becomes its client")->required();
-  create->add_option("--reserve", made->reserve, "Slots set aside for groups below it")
-      ->capture_default_str();
-
-  const auto served = std::make_shared<ServerRequest>();
-  CLI::App *addServer = AddCommand(*group, "add-server", "Let hosts serve a group's client", chosen,
-                                   [served] { return AddServers(*served); });
-  addServer->add_option("PATH", served->path, kPathHelp)->required();
-  addServer->add_option("HOST", served->hosts, "The hosts")->required();
-
+  AddCreate(*group, chosen);
+  AddGroupCommand(*group, chosen, "delete", "Take a group's servers out and delete it",
+                  [](const GroupArguments &asked) { return DeleteGroup(asked.path); });
+  AddServerCommands(*group, chosen);
+  AddChanges(*group, chosen);
   AddCommand(*group, "list", "List all groups", chosen, ListGroups);
-
-  const auto shown = std::make_shared<std::string>();
-  AddCommand(*group, "show", "Show one group", chosen, [shown] { return ShowGroup(*shown); })
-      ->add_option("PATH", *shown, kPathHelp)
-      ->required();
+  AddGroupCommand(*group, chosen, "show", "Show one group",
+                  [](const GroupArguments &asked) { return ShowGroup(asked.path); });
+  AddGroupCommand(*group, chosen, "available", "List the hosts that could be added as servers",
+                  [](const GroupArguments &asked) { return ListAvailable(asked.path); });
 }
 
 }  // namespace kvrctl

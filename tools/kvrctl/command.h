@@ -42,5 +42,9 @@ void AddTreeCommand(CLI::App &app, Chosen &chosen);
 void AddConfigurationCommands(CLI::App &app, Chosen &chosen);
 void AddAcgCommands(CLI::App &app, Chosen &chosen);
 void AddGroupCommands(CLI::App &app, Chosen &chosen);
+void AddBackupCommands(CLI::App &app, Chosen &chosen);
+void AddSuccessionCommands(CLI::App &app, Chosen &chosen);
+void AddSwitchAccessCommand(CLI::App &app, Chosen &chosen);
+void AddKeyCommands(CLI::App &app, Chosen &chosen);
 
 }  // namespace kvrctl

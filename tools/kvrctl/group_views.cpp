@@ -55,4 +55,15 @@ Outcome ShowGroup(const std::string &path) {
   return {shown, Sheet(shown, lines), {}, std::nullopt};
 }
 
+Outcome ListAvailable(const std::string &path) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  const auto available = library.AvailableServers(group);
+  if (!available) {
+    throw Failure("Listing who could serve " + group.path, KVR_ERR_IS_BACKUP_MSC);
+  }
+  const Json rows = RowsOf(*available);
+  return {rows, HostTable(rows, "No host could be added."), {}, std::nullopt};
+}
+
 }  // namespace kvrctl

@@ -13,4 +13,7 @@ Outcome ListGroups();
 // One group with its slots, servers and the hosts that could serve it. Throws Failure.
 Outcome ShowGroup(const std::string &path);
 
+// The hosts that could be added to the group as servers. Throws Failure (5024) on a backup MSC.
+Outcome ListAvailable(const std::string &path);
+
 }  // namespace kvrctl

@@ -15,16 +15,46 @@ namespace kvrctl {
 struct Wording {
   std::string doing;
   std::string didSo;
+  std::vector<std::string> command;  // its words before the hosts, as {"kvrctl", "acg", "add"}
 };
+
+using Change = std::function<std::uint32_t(KVR_SYSTEM)>;
+
+// What became of a change to several hosts.
+struct HostResults {
+  Json done = Json::array();  // the names of those that took it
+  std::vector<HostFailure> failed;
+};
+
+// Calls change(system) for every host.
+HostResults ChangeEach(const std::vector<const Host *> &hosts, const Change &change);
+
+// What became of a change that the library makes to every host of the ACG by itself and that it
+// answered with code, 0 or 5008. The marks of the hosts that failed are cleared.
+HostResults ResultsInAcg(const Library &library, std::uint32_t code);
 
 // Calls change(system) for every host that the user names. Throws Failure before anything is
 // changed where a name does not fit one host, and afterwards where every host failed; where some
 // did, the outcome carries them.
 Outcome ChangeHosts(const Library &library, const std::vector<std::string> &names,
-                    const Wording &wording, const std::function<std::uint32_t(KVR_SYSTEM)> &change);
+                    const Wording &wording, const Change &change);
 
-// The failure of a change that some of `total` hosts did not take; code is what it is known by.
-Failure PartialFailure(const std::string &doing, std::size_t total, std::uint32_t code,
-                       const std::vector<HostFailure> &failed);
+// Adds the command called name below family: a change that only the MSC makes, to the hosts that
+// the command line names.
+void AddMscChange(CLI::App &family, Chosen &chosen, const std::string &name,
+                  const std::string &description, const Wording &wording,
+                  std::uint32_t (*change)(KVR_SYSTEM));
+
+// Ends the failure's way out with the command that repeats what was asked.
+void AddRetry(Failure &failure, const std::vector<std::string> &command);
+
+// The command with the names of the failed hosts behind it, those left out for which a repetition
+// would change nothing.
+std::vector<std::string> NamingFailed(std::vector<std::string> command, const HostResults &results);
+
+// The failure of a change that some hosts did not take; retry is the command that repeats it. The
+// first code that a repetition can overcome stands for all.
+Failure PartialFailure(const std::string &doing, const HostResults &results,
+                       const std::vector<std::string> &retry);
 
 }  // namespace kvrctl

@@ -181,6 +181,13 @@ const Host &Library::HostNamed(const std::string &name) const {
                     : "List the hosts with `kvrctl hosts`.");
 }
 
+std::vector<const Host *> Library::HostsNamed(const std::vector<std::string> &names) const {
+  std::vector<const Host *> hosts;
+  for (const std::string &name : names)
+    hosts.push_back(&HostNamed(name));
+  return hosts;
+}
+
 const Group &Library::GroupAt(const GroupPath &path) const {
   std::vector<const Group *> found;
   if (path.client.empty()) {
@@ -219,11 +226,26 @@ std::vector<std::string> Library::Notes() const {
   return {"Hosts outside the ACG are seen only on the MSC."};
 }
 
+void RequireConfiguration(const std::string &doing) {
+  Require(doing, KVR_SecurityState());
+}
+
 Json NamesOf(const std::vector<const Host *> &hosts) {
   Json names = Json::array();
   for (const Host *host : hosts)
     names.push_back(host->name);
   return names;
+}
+
+Json RowsOf(const std::vector<const Host *> &hosts) {
+  Json rows = Json::array();
+  for (const Host *host : hosts)
+    rows.push_back({{"name", host->name}, {"wide_name", host->wideName}});
+  return rows;
+}
+
+std::string HostTable(const Json &rows, std::string_view none) {
+  return Table(rows, {{"name", "HOST"}, {"wide_name", "UTF-16 NAME"}}, none);
 }
 
 Json ClientOf(const Group &group) {

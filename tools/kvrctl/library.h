@@ -57,6 +57,9 @@ class Library {
   // or more than one.
   const Host &HostNamed(const std::string &name) const;
 
+  // The hosts called so, in the order of the names. Throws Failure as HostNamed.
+  std::vector<const Host *> HostsNamed(const std::vector<std::string> &names) const;
+
   // The group at a path. Throws Failure when there is none, or more than one.
   const Group &GroupAt(const GroupPath &path) const;
 
@@ -78,6 +81,9 @@ class Library {
   bool outsidersWithheld_ = false;  // this host is secured and not the MSC
 };
 
+// Throws Failure (5004) where no configuration is active on this host.
+void RequireConfiguration(const std::string &doing);
+
 // Calls visit(group) for every group below, parents before their children.
 template <class Visit>
 void ForEachGroup(const std::vector<Group> &groups, const Visit &visit) {
@@ -89,6 +95,11 @@ void ForEachGroup(const std::vector<Group> &groups, const Visit &visit) {
 
 // The hosts' names, in their order.
 Json NamesOf(const std::vector<const Host *> &hosts);
+
+// The hosts as records of their two names, and such records as a table; with none, the sentence
+// `none`.
+Json RowsOf(const std::vector<const Host *> &hosts);
+std::string HostTable(const Json &rows, std::string_view none);
 
 // The name of the group's client, or null.
 Json ClientOf(const Group &group);

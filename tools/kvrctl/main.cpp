@@ -107,6 +107,10 @@ int Run(int argc, char **argv) {
   AddConfigurationCommands(app, chosen);
   AddAcgCommands(app, chosen);
   AddGroupCommands(app, chosen);
+  AddBackupCommands(app, chosen);
+  AddSuccessionCommands(app, chosen);
+  AddSwitchAccessCommand(app, chosen);
+  AddKeyCommands(app, chosen);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "failure.h"
+#include "text.h"
 
 namespace kvrctl {
 namespace {
@@ -39,6 +40,15 @@ std::string PathText(const GroupPath &path) {
   for (const std::string &name : path.names)
     text = JoinPath(text, name);
   return text;
+}
+
+std::basic_string<KVR_WCHAR> WideNameOf(const std::string &name) {
+  const auto units = Utf16Of(name);
+  if (!units) {
+    throw Failure(ExitStatus::Usage, "INVALID_PATH", "The name of the group is not valid UTF-8.",
+                  "Write the name in UTF-8.");
+  }
+  return {units->begin(), units->end()};
 }
 
 GroupPath SplitPath(std::string_view path) {

@@ -31,10 +31,10 @@ constexpr std::array kTexts = {
                "Run the command again: the name changed while it was read."},
     ResultText{KVRCTL_CODE(KVR_ERR_INVALID_HANDLE),
                "the host or group does not fit: below a group, a host must serve that group first",
-               "Look at the servers with `kvrctl tree`, and add the host to the parent group with "
-               "`kvrctl group add-server`."},
+               "`kvrctl group available` lists who could serve a group; add the host to the parent "
+               "group with `kvrctl group add-server` first."},
     ResultText{KVRCTL_CODE(KVR_ERR_SERVERS_FAILED), "the change could not be written to some hosts",
-               "Bring the hosts listed back into reach and run the command again."},
+               "Bring the hosts listed back into reach."},
     ResultText{KVRCTL_CODE(KVR_ERR_ALREADY_IN_ACG), "the host is in the ACG already",
                "Nothing needs to be done; `kvrctl hosts` lists the members."},
     ResultText{KVRCTL_CODE(KVR_ERR_NOT_IN_ACG), "the host is not in the ACG",
@@ -47,11 +47,13 @@ constexpr std::array kTexts = {
     ResultText{
         KVRCTL_CODE(KVR_ERR_NO_FREE_INDEX),
         "no free slot is left under the parent, or its client cannot be read",
-        "Look with `kvrctl slots`; create the group elsewhere, or where a client was given a "
-        "larger --reserve."},
-    ResultText{KVRCTL_CODE(KVR_ERR_RESERVED_COUNT_REDUCED),
-               "done, with fewer reserved slots than asked for",
-               "Look with `kvrctl slots` how many are free where the group was made."},
+        "Look with `kvrctl slots`; give the parent's client more with `kvrctl group set-reserve`, "
+        "or create the group elsewhere."},
+    ResultText{
+        KVRCTL_CODE(KVR_ERR_RESERVED_COUNT_REDUCED),
+        "done, with fewer reserved slots than asked for",
+        "`kvrctl slots` shows how many are free above the group; ask again with `kvrctl group "
+        "set-reserve` when there are more."},
     ResultText{KVRCTL_CODE(KVR_ERR_INVALID_NAME), "a group name has 1 to 31 characters",
                "Choose a shorter name."},
     ResultText{KVRCTL_CODE(KVR_ERR_ALREADY_CLIENT),
@@ -63,28 +65,36 @@ constexpr std::array kTexts = {
                "Nothing needs to be done; `kvrctl group show` lists the servers."},
     ResultText{KVRCTL_CODE(KVR_ERR_REMOTE_ACCESS_FAILED),
                "a table of the host could not be reached through any of its adapters",
-               "Check that the host and its adapters are up, then run the command again."},
+               "Check that the host and its adapters are up, then try again."},
     ResultText{KVRCTL_CODE(KVR_ERR_SYSTEM_NOT_IN_ACG), "the host is not in the ACG",
                "Add it on the MSC with `kvrctl acg add` first."},
     ResultText{KVRCTL_CODE(KVR_ERR_HAS_CHILD_GROUPS), "the group has child groups",
-               "Delete the groups below it first; `kvrctl tree` shows them."},
-    ResultText{KVRCTL_CODE(KVR_ERR_SYSTEM_IS_CLIENT),
-               "the host holds a slot, as a group's client or a backup MSC",
-               "End that role first; `kvrctl hosts` shows it."},
+               "Delete the groups below it first with `kvrctl group delete`; `kvrctl tree` shows "
+               "them."},
+    ResultText{
+        KVRCTL_CODE(KVR_ERR_SYSTEM_IS_CLIENT),
+        "the host holds a slot, as a group's client or a backup MSC",
+        "End that role first, with `kvrctl group delete`, `kvrctl group set-client` or `kvrctl "
+        "backup remove`; `kvrctl hosts` shows it."},
     ResultText{KVRCTL_CODE(KVR_ERR_RESERVED_INDICES_IN_USE),
                "more reserved slots are in use than the number asked for",
-               "Ask for at least the used number that `kvrctl slots` shows."},
+               "Ask for at least the used number that `kvrctl slots GROUP` shows, or delete groups "
+               "below first."},
     ResultText{
         KVRCTL_CODE(KVR_ERR_IS_BACKUP_MSC), "this host, or the host named, is a backup MSC",
-        "Change groups from the MSC or a client, and choose servers that are no backup MSC."},
-    ResultText{KVRCTL_CODE(KVR_ERR_NOT_BACKUP_MSC), "the host is not a backup MSC",
-               "Choose one that is; `kvrctl hosts` marks them."},
+        "Change groups from the MSC or a client, and choose a server that `kvrctl group available` "
+        "lists there."},
+    ResultText{
+        KVRCTL_CODE(KVR_ERR_NOT_BACKUP_MSC), "the host is not a backup MSC",
+        "Choose one that `kvrctl backup list` lists, or make it one with `kvrctl backup add`."},
     ResultText{KVRCTL_CODE(KVR_ERR_ALREADY_BACKUP_MSC), "the host is a backup MSC already",
-               "Nothing needs to be done; `kvrctl hosts` marks the backups."},
+               "Nothing needs to be done; `kvrctl backup list` lists the backups."},
     ResultText{KVRCTL_CODE(KVR_ERR_NO_NEW_MSC), "the MSC must name its successor",
-               "Name one of the backup MSCs that `kvrctl hosts` marks."},
-    ResultText{KVRCTL_CODE(KVR_ERR_SYSTEM_IS_ASG_SERVER), "the host serves a group",
-               "Choose a host that serves none; `kvrctl hosts` shows who serves what."},
+               "Name a backup MSC with `kvrctl handover HOST`; `kvrctl backup list` lists them."},
+    ResultText{
+        KVRCTL_CODE(KVR_ERR_SYSTEM_IS_ASG_SERVER), "the host serves a group",
+        "Choose a host that serves none, or end its service with `kvrctl group remove-server`; "
+        "`kvrctl hosts` shows who serves what."},
     ResultText{
         KVRCTL_CODE(KVR_ERR_CREATE_LOCAL_FAILED),
         "this host's first adapter refused the new configuration",

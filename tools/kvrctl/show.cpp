@@ -13,6 +13,10 @@ std::string Shown(const Json &value) {
   return list.empty() ? "-" : list;
 }
 
+std::string ShownList(const Json &list) {
+  return list.empty() ? "none" : Shown(list);
+}
+
 std::string Table(const Json &rows, const std::vector<Fact> &columns, std::string_view none) {
   if (rows.empty()) return std::string(none) + '\n';
   std::vector<std::vector<std::string>> cells(1);

@@ -26,6 +26,9 @@ struct Fact {
 // One value in text.
 std::string Shown(const Json &value);
 
+// A list in text; "none" where it is empty.
+std::string ShownList(const Json &list);
+
 // An array of objects as a table with one line each, under a line of labels. With no object, only
 // the sentence `none`.
 std::string Table(const Json &rows, const std::vector<Fact> &columns, std::string_view none);

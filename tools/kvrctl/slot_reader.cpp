@@ -126,6 +126,19 @@ std::optional<std::uint32_t> ReadSlot(const std::vector<Address> &adapters) {
   return std::nullopt;
 }
 
+// This host's stored table, or null.
+std::unique_ptr<SaTable> ReadLocalTable() {
+  std::uint32_t request[2] = {0, 0};
+  LocalAdapterInfo adapter{};
+  TQ_GetLocalHBAInfo(request, &adapter);
+  std::uint32_t id[2];
+  std::memcpy(id, adapter.localAdapterId, sizeof id);
+  auto table = std::make_unique<SaTable>();
+  std::uint32_t bytes = KVR_SA_TABLE_SIZE;
+  if (TQ_ReadSaTable(0, 0, id[0], id[1], table.get(), &bytes) != 0) return nullptr;
+  return table;
+}
+
 }  // namespace
 
 Slots ReadSlots(const std::vector<Host> &hosts) {
@@ -155,16 +168,16 @@ Json SlotOf(const Slots &slots, const Host *host) {
 }
 
 Json ReadLocalSlot() {
-  std::uint32_t request[2] = {0, 0};
-  LocalAdapterInfo adapter{};
-  TQ_GetLocalHBAInfo(request, &adapter);
-  std::uint32_t id[2];
-  std::memcpy(id, adapter.localAdapterId, sizeof id);
-  const auto table = std::make_unique<SaTable>();
-  std::uint32_t bytes = KVR_SA_TABLE_SIZE;
-  if (TQ_ReadSaTable(0, 0, id[0], id[1], table.get(), &bytes) != 0) return {};
+  const auto table = ReadLocalTable();
+  if (table == nullptr) return {};
   const auto slot = OwnSlot([&](std::uint32_t i) { return table->entries[i].access.roleFlags; });
   return slot ? Json(*slot) : Json();
+}
+
+std::optional<bool> ReadLocalSwitchAccess() {
+  const auto table = ReadLocalTable();
+  if (table == nullptr) return std::nullopt;
+  return (table->entries[KVR_SWITCH_POSITION].access.serveFlags & ACE_SWITCH_ACCESS) != 0;
 }
 
 }  // namespace kvrctl

@@ -1,4 +1,5 @@
-// The slots that hosts hold, read from their tables: the library's interface gives no slot number.
+// What the library's interface does not give, read from the tables: the slots that hosts hold, and
+// whether this host's table took a change.
 //
 // The adapters of the other hosts are learned by a discovery of this room's own, so it must run
 // after the library's discovery is complete and never beside it. It reads; it never writes.
@@ -6,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 
 #include "library.h"
 #include "show.h"
@@ -24,5 +26,8 @@ Json SlotOf(const Slots &slots, const Host *host);
 
 // The slot that this host holds; null where it holds none or its adapter does not answer.
 Json ReadLocalSlot();
+
+// Whether this host's stored table has switch access on; none where its adapter does not answer.
+std::optional<bool> ReadLocalSwitchAccess();
 
 }  // namespace kvrctl

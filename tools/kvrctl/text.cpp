@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include <fmt/format.h>
 
@@ -88,6 +89,19 @@ std::size_t Width(std::string_view text) {
   return width;
 }
 
+// A word as it is where a shell takes it so, else in single quotes.
+std::string Quoted(const std::string &word) {
+  const bool plain = std::all_of(word.begin(), word.end(), [](unsigned char c) {
+    return c >= 0x80 || std::isalnum(c) != 0 ||
+           std::string_view("-_./@:,+=%").find(static_cast<char>(c)) != std::string_view::npos;
+  });
+  if (plain && !word.empty()) return word;
+  std::string quoted = "'";
+  for (const char c : word)
+    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
 }  // namespace
 
 bool IsAscii(std::string_view text) {
@@ -144,6 +158,13 @@ std::string Printable(std::string_view utf8) {
     }
   }
   return out;
+}
+
+std::string CommandText(const std::vector<std::string> &words) {
+  std::string text;
+  for (const std::string &word : words)
+    text += (text.empty() ? "" : " ") + Quoted(word);
+  return text;
 }
 
 std::string Columns(const std::vector<std::vector<std::string>> &rows) {

@@ -27,6 +27,9 @@ std::optional<std::u16string> Utf16Of(std::string_view utf8);
 // strangers and must not steer a terminal.
 std::string Printable(std::string_view utf8);
 
+// A command line as a shell reads it: words that it would take apart or change stand in quotes.
+std::string CommandText(const std::vector<std::string> &words);
+
 // Rows of cells as lines with aligned columns, two spaces between them, each line ended. The cells
 // are made printable.
 std::string Columns(const std::vector<std::vector<std::string>> &rows);

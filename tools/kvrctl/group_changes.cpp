@@ -1,0 +1,131 @@
+#include "group_changes.h"
+
+#include <optional>
+
+#include <fmt/format.h>
+
+#include "kvrapi/kvrapi.h"
+
+#include "host_changes.h"
+#include "library.h"
+#include "result_text.h"
+#include "text.h"
+
+namespace kvrctl {
+namespace {
+
+// The path of the group called name in the place of this one.
+std::string PathBeside(const Library &library, const Group &group, const std::string &name) {
+  std::string parentPath;
+  ForEachGroup(library.Groups(), [&](const Group &parent) {
+    for (const Group &child : parent.children) {
+      if (&child == &group) parentPath = parent.path;
+    }
+  });
+  return JoinPath(parentPath, name);
+}
+
+// The name that a client's table holds, or none where the client is no more found. The library does
+// not say whether a name was stored, so the hosts are discovered anew: every handle ends.
+std::optional<std::string> StoredName(const Host &client) {
+  const Library again;
+  std::optional<std::string> name;
+  ForEachGroup(again.Groups(), [&](const Group &group) {
+    if (group.client == nullptr || group.client->name != client.name) return;
+    if (group.client->wideName == client.wideName) name = group.name;
+  });
+  return name;
+}
+
+// A name beyond ASCII goes through the UTF-16 form, which alone can hold it.
+std::uint32_t Rename(KVR_GROUP group, const std::string &name) {
+  if (IsAscii(name)) return KVR_RenameAsgA(group, name.c_str());
+  return KVR_RenameAsgW(group, WideNameOf(name).c_str());
+}
+
+}  // namespace
+
+Outcome RenameGroup(const std::string &path, const std::string &name) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  const std::string doing = "Renaming group " + group.path;
+  Require(doing, Rename(group.handle, name));
+  if (StoredName(*group.client) != name) {
+    Failure failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
+    failure.failedHosts = {{group.client->name, KVR_ERR_REMOTE_ACCESS_FAILED}};
+    throw failure;
+  }
+  const std::string newPath = PathBeside(library, group, name);
+  return {{{"path", group.path}, {"name", name}, {"new_path", newPath}},
+          Line("Group {} is called {} now: {}.", group.path, name, newPath),
+          {},
+          std::nullopt};
+}
+
+Outcome AddServers(const std::string &path, const std::vector<std::string> &hosts) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  const Wording wording{"Adding to the servers of " + group.path,
+                        "Added to the servers of " + group.path,
+                        {"kvrctl", "group", "add-server", path}};
+  return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
+    return KVR_AddServerToAsg(group.handle, system);
+  });
+}
+
+Outcome RemoveServers(const std::string &path, const std::vector<std::string> &hosts) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  const Wording wording{"Removing from the servers of " + group.path,
+                        "Removed from the servers of " + group.path,
+                        {"kvrctl", "group", "remove-server", path}};
+  return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
+    return KVR_RemoveServerFromAsg(group.handle, system);
+  });
+}
+
+std::string ReducedNote(std::uint32_t granted, std::uint32_t asked) {
+  const ResultText &why = TextOf(KVR_ERR_RESERVED_COUNT_REDUCED);
+  return fmt::format("{} {}: {}: {} of {}. {}", why.code, why.name, why.meaning, granted, asked,
+                     why.hint);
+}
+
+Outcome SetReserve(const std::string &path, std::uint32_t slots) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  std::uint32_t granted = slots;
+  const std::uint32_t code = KVR_ModifyReservedIndexCount(group.handle, &granted);
+  const bool reduced = code == KVR_ERR_RESERVED_COUNT_REDUCED;
+  if (!reduced) Require("Changing the reserve of " + group.path, code);
+  Outcome outcome = {{{"path", group.path}, {"asked", slots}, {"granted", granted}},
+                     Line("Group {} has {} of {} reserved slots now.", group.path, granted, slots),
+                     {},
+                     std::nullopt};
+  if (reduced) outcome.notes.push_back(ReducedNote(granted, slots));
+  return outcome;
+}
+
+Outcome SetClient(const std::string &path, const std::string &host) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  const Host &client = library.HostNamed(host);
+  Require("Handing group " + group.path + " to " + client.name,
+          KVR_AssignNewClient(group.handle, client.handle));
+  const bool same = group.client == &client;
+  Outcome outcome = {
+      {{"path", group.path}, {"client", client.name}, {"former_client", ClientOf(group)}},
+      Line("Group {} has the client {} now{}.", group.path, client.name,
+           same ? "" : ", in place of " + Shown(ClientOf(group))),
+      {},
+      std::nullopt};
+  if (same) {
+    outcome.notes.emplace_back("It was the client already, so nothing was written.");
+  } else if (StoredName(client) != group.name) {
+    outcome.notes.push_back(fmt::format(
+        "The group's name could not be moved to its new client. To set it: `{}`.",
+        CommandText({"kvrctl", "group", "rename", ClientPath(client.name), group.name})));
+  }
+  return outcome;
+}
+
+}  // namespace kvrctl
