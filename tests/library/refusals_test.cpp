@@ -1,5 +1,5 @@
-// The refusals of every change in their order: what is wrong is put right one after another, so that
-// each code shows although everything after it is wrong as well.
+// The refusals of every change in their order: what is wrong is put right one after another, so
+// that each code shows although everything after it is wrong as well.
 #include <utility>
 
 #include "support/world.h"
