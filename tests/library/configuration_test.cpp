@@ -1,4 +1,4 @@
-// Creating the configuration, its refusals, and the table of a host that joins.
+// Creating the configuration, and the table of a host that joins.
 #include <cstring>
 
 #include "support/world.h"
@@ -74,42 +74,6 @@ TEST(AddServerToACG, GivesTheHostEverythingButRelations) {
     EXPECT_EQ(KVR_RemoveServerFromACG(System("A")), KVR_OK);
     EXPECT_EQ(world->Image("A"), std::nullopt);
     EXPECT_EQ(Model(), model);
-  }
-}
-
-TEST(Configuration, RefusesWithoutTouchingAnything) {
-  const auto wrong = [] { return reinterpret_cast<KVR_SYSTEM>(Group("A")); };
-  const auto create = [] { return KVR_CreateKVR(nullptr); };
-  const struct {
-    const char *hosts;  // as each of these
-    std::function<std::uint32_t()> change;
-    std::uint32_t code;
-  } cases[] = {
-      {"A K S", create, KVR_ERR_NOT_MSC},
-      {"A K S", KVR_GenerateNewKeys, KVR_ERR_NOT_MSC},
-      {"A K S", [] { return KVR_EnableSwitchAccess(1); }, KVR_ERR_NOT_MSC},
-      {"M", create, KVR_ERR_ALREADY_MSC},
-      {"A K S", KVR_DeleteKVR, KVR_ERR_NOT_MSC},
-      {"U", KVR_DeleteKVR, KVR_ERR_NOT_SECURED},
-      {"A K S", [] { return KVR_AddServerToACG(nullptr); }, KVR_ERR_NOT_MSC},
-      {"U", [] { return KVR_AddServerToACG(nullptr); }, KVR_ERR_NOT_SECURED},
-      {"M", [] { return KVR_AddServerToACG(nullptr); }, KVR_ERR_INVALID_HANDLE},
-      {"M", [&] { return KVR_AddServerToACG(wrong()); }, KVR_ERR_INVALID_HANDLE},
-      {"M", [] { return KVR_AddServerToACG(System("A")); }, KVR_ERR_ALREADY_IN_ACG},
-      {"A K S", [] { return KVR_RemoveServerFromACG(nullptr); }, KVR_ERR_NOT_MSC},
-      {"M U", [] { return KVR_RemoveServerFromACG(nullptr); }, KVR_ERR_INVALID_HANDLE},
-      {"M", [] { return KVR_RemoveServerFromACG(System("U")); }, KVR_ERR_NOT_IN_ACG},
-      {"M", [] { return KVR_RemoveServerFromACG(System("A")); }, KVR_ERR_SYSTEM_IS_CLIENT},
-      {"M", [] { return KVR_RemoveServerFromACG(System("K")); }, KVR_ERR_SYSTEM_IS_CLIENT}};
-  const World world({"M 5=3 10=4", "A 10=1 s5", "K 5=21 10=4 s5", "S s5", "U"});
-  for (const auto &[hosts, change, code] : cases) {
-    for (const std::string &host : Words(hosts)) {
-      world.As(host);
-      const std::string model = Model();
-      EXPECT_EQ(change(), code) << host;
-      EXPECT_EQ(world.Calls(), "");
-      EXPECT_EQ(Model(), model);
-    }
   }
 }
 
