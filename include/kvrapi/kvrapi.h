@@ -204,7 +204,8 @@ KVR_API uint32_t KVR_CanDiscoverAllSystems(KVR_SYSTEM system) KVR_NOEXCEPT;
 /* Configuration */
 
 /* Makes this host the MSC of a new configuration, with a random slot, identity and key table. Other
- * hosts join it with KVR_AddServerToACG.
+ * hosts join it with KVR_AddServerToACG. Switch access that was on before stays the stored value;
+ * the new local table gets it when it is switched anew.
  *   slot  receives this host's slot, 0 to 245, on success only; null: the slot is not delivered.
  * Results: 0;
  *   5000  a configuration is active and this host is not its MSC
@@ -256,7 +257,8 @@ KVR_API uint32_t KVR_RemoveServerFromACG(KVR_SYSTEM system) KVR_NOEXCEPT;
  * local table carried the flag at the load; 0 when switch access is off. */
 KVR_API uint32_t KVR_IsSwitchAccessEnabled(void) KVR_NOEXCEPT;
 
-/* Switches switch access on or off in the table of every host of the ACG and in the local one.
+/* Switches switch access on or off in the table of every host of the ACG and in the local one;
+ * where there is no configuration, in the local one alone.
  *   enable  nonzero to enable; stored as given, before any table is touched. The same value as the
  *           stored one does nothing.
  * Results: 0;
@@ -416,6 +418,10 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
 /* Deletes a group: its servers serve the client no more, and its slots return to the pool they came
  * from. The handle becomes invalid; so does that of an Offline Client group whose last child it
  * was.
+ * Only what was discovered is looked at. A server that was not found keeps serving the slot, and so
+ * the next client that gets it; a client below that was not found keeps its slot, which returns to
+ * the pool with the others (KVR_GetUsedIndexCount tells of such). A server that is also the group's
+ * or the parent's client keeps serving the slot too: remove it from the group first.
  * Results: 0;
  *   5024  this host is a backup MSC
  *   5007  invalid handle

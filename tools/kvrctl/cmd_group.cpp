@@ -19,6 +19,7 @@ struct GroupArguments {
   std::vector<std::string> hosts;
   std::string word;  // a new name, or one host
   std::uint32_t slots = 0;
+  bool force = false;
 };
 
 // Adds a command for the group at PATH; its other arguments are put into the second of what is
@@ -43,6 +44,14 @@ void AddCreate(CLI::App &group, Chosen &chosen) {
   create->add_option("--reserve", asked->reserve, "Slots set aside for groups below it")
       ->capture_default_str();
   create->add_option("--server", asked->servers, "Hosts that serve its client");
+}
+
+void AddDelete(CLI::App &group, Chosen &chosen) {
+  const auto [command, asked] = AddGroupCommand(
+      group, chosen, "delete", "Take a group's servers out and delete it",
+      [](const GroupArguments &named) { return DeleteGroup(named.path, named.force); });
+  command->add_flag("--force", asked->force,
+                    "Although hosts that were not found hold slots below it");
 }
 
 void AddServerCommands(CLI::App &group, Chosen &chosen) {
@@ -76,8 +85,7 @@ void AddChanges(CLI::App &group, Chosen &chosen) {
 void AddGroupCommands(CLI::App &app, Chosen &chosen) {
   CLI::App *group = AddFamily(app, "group", "Show and change groups");
   AddCreate(*group, chosen);
-  AddGroupCommand(*group, chosen, "delete", "Take a group's servers out and delete it",
-                  [](const GroupArguments &asked) { return DeleteGroup(asked.path); });
+  AddDelete(*group, chosen);
   AddServerCommands(*group, chosen);
   AddChanges(*group, chosen);
   AddCommand(*group, "list", "List all groups", chosen, ListGroups);

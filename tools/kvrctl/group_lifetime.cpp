@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <fmt/format.h>
+
 #include "kvrapi/kvrapi.h"
 
 #include "group_changes.h"
@@ -55,6 +57,20 @@ void AddServersTo(Outcome &outcome, KVR_GROUP group, const std::string &path,
   if (results.failed.empty()) return;
   outcome.failure = PartialFailure("Adding to the servers of " + path, results,
                                    NamingFailed({"kvrctl", "group", "add-server", path}, results));
+}
+
+// A reserved slot that is in use below a group without children is held by a host that was not
+// found, or by nobody since a deletion that stopped halfway. The library would give it to another.
+void RequireNoLostChildren(const std::string &doing, const Group &group) {
+  const std::uint32_t used = KVR_GetUsedIndexCount(group.handle);
+  if (used == 0) return;
+  throw Failure(
+      ExitStatus::Refused, "LOST_CHILDREN",
+      fmt::format("{} was not tried: slots of its reserve are in use by hosts that were not "
+                  "found ({}).",
+                  doing, used),
+      "Bring these hosts back into reach and delete their groups first. Where they are "
+      "gone for good, --force deletes the group, and their slots go to others.");
 }
 
 void RequireDeletable(const std::string &doing, const Group &group) {
@@ -113,12 +129,14 @@ Outcome CreateGroup(const GroupRequest &request) {
   return outcome;
 }
 
-Outcome DeleteGroup(const std::string &path) {
+Outcome DeleteGroup(const std::string &path, bool force) {
   const Library library;
   const Group &group = library.GroupAt(SplitPath(path));
   const std::string doing = "Deleting group " + group.path;
-  const std::vector<std::string> retry = {"kvrctl", "group", "delete", path};
+  std::vector<std::string> retry = {"kvrctl", "group", "delete", path};
+  if (force) retry.emplace_back("--force");
   RequireDeletable(doing, group);
+  if (!force) RequireNoLostChildren(doing, group);
   const HostResults servers = ChangeEach(group.servers, [&group](KVR_SYSTEM system) {
     return KVR_RemoveServerFromAsg(group.handle, system);
   });
