@@ -102,7 +102,6 @@ Network::Network(Description description, std::string_view localHost,
 std::uint32_t Network::Answer(Call call, std::uint32_t failure, const Act &act) {
   const auto begin = std::chrono::steady_clock::now();
   const std::lock_guard guard(mutex_);
-  ++callCounts_[call.function];
   const std::uint32_t result = IsFaulty(call) ? failure : act(call);
   if (logging_ || tracing_) Record(call, result, begin);
   return result;

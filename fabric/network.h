@@ -3,7 +3,7 @@
 // A Network is made of a description, a store of table images and the name of the local host, and
 // is safe to use from several threads. Its first half is the outside functions, one member each,
 // called by the C functions through current.h. Its second half is for tests: turn the local host,
-// take hosts down, plan faults, plant and compare images, count and log calls.
+// take hosts down, plan faults, plant and compare images, log calls.
 //
 //   Description plan = MakeDescription(3, 1);
 //   auto network = std::make_shared<Network>(plan, plan.hosts[0].name);
@@ -132,9 +132,7 @@ class Network {
   [[nodiscard]] ImageSet Images() const;
   void RestoreImages(const ImageSet &images);  // hosts not in the set hold none afterwards
 
-  // Calls. Counting always runs, over TQ_ and Vexo_ calls; logging is off at first.
-  [[nodiscard]] std::uint64_t CallCount(std::string_view function) const;  // of one function
-  [[nodiscard]] std::uint64_t TqCallCount() const;                         // of all TQ_ functions
+  // Calls, of TQ_ and Vexo_ functions; logging is off at first.
   void SetLogging(bool on);
   std::vector<CallRecord> TakeLog();  // the calls since logging began or the log was taken last
   void SetTrace(bool on);             // one line for each call on standard error
@@ -191,7 +189,6 @@ class Network {
   std::optional<std::uint32_t> localHost_;                // none: unknown
 
   std::vector<ActiveFault> faults_;
-  std::unordered_map<std::string_view, std::uint64_t> callCounts_;
   bool logging_ = false;
   bool tracing_ = false;
   std::vector<CallRecord> log_;

@@ -111,21 +111,6 @@ void Network::RestoreImages(const ImageSet &images) {
   }
 }
 
-std::uint64_t Network::CallCount(std::string_view function) const {
-  const std::lock_guard guard(mutex_);
-  const auto found = callCounts_.find(function);
-  return found != callCounts_.end() ? found->second : 0;
-}
-
-std::uint64_t Network::TqCallCount() const {
-  const std::lock_guard guard(mutex_);
-  std::uint64_t total = 0;
-  for (const auto &[function, count] : callCounts_) {
-    if (function.starts_with("TQ_")) total += count;
-  }
-  return total;
-}
-
 void Network::SetLogging(bool on) {
   const std::lock_guard guard(mutex_);
   logging_ = on;

@@ -30,6 +30,9 @@
  *     (systems) or 5011 (groups), otherwise 0. Before the first discovery there are no systems:
  *     *count becomes 0 and the result is 0. A null count, or a null array with a capacity above 0,
  *     is answered with 5007 and nothing is written.
+ *     Systems stand in the order of their UTF-16 names, unit by unit, where both have one, else of
+ *     their 8-bit names, byte by byte; groups in the order of their 8-bit names. Of equal names the
+ *     one that came last stands first.
  *  8. Strings. Functions ending in A take or give 8-bit strings, those ending in W UTF-16 strings
  *     of 16-bit units (KVR_WCHAR). Strings given are zero-terminated and borrowed for the call. The
  *     size of a buffer counts characters of its own type, at least 1. A name longer than the buffer
@@ -39,7 +42,8 @@
  *     one unit; narrowing stops at the first unit above 255.
  * 10. Threads. The library makes no thread and takes no lock: one caller thread at a time. The
  *     discovery library's thread may enter it during a discovery; until that has completed, no
- *     other function may be called.
+ *     other function may be called, and the library must not be unloaded. A discovery has completed
+ *     when the call without a callback returns, or when the callback does.
  * 11. No C++ exception crosses the interface; a callback must not throw. When memory runs out, the
  *     library ends the process rather than go on with a half-built picture.
  */
@@ -73,9 +77,10 @@ typedef struct KVR_SystemRecord *KVR_SYSTEM;
 /* An access sub-group. */
 typedef struct KVR_GroupRecord *KVR_GROUP;
 
-/* Called once when a discovery has completed, with the context given to KVR_DiscoverServers; on the
- * caller's thread or on the discovery library's. Queries may be called from it; it must not call
- * KVR_DiscoverServers. */
+/* Called once when the model is complete, with the context given to KVR_DiscoverServers; on the
+ * caller's thread or on the discovery library's. Every function but KVR_DiscoverServers may be
+ * called from it. When it returns, the discovery library is shut down. The callback of a call whose
+ * place a later one took is not called. */
 typedef void (*KVR_DISCOVERY_CALLBACK)(uintptr_t context);
 
 /* Result codes. */
@@ -190,8 +195,8 @@ KVR_API uint32_t KVR_GetSystemNameW(KVR_SYSTEM system, KVR_WCHAR *buffer,
  * Results: 0; 5005; 5007 for null pointers. */
 KVR_API uint32_t KVR_GetLastOpFailedServers(KVR_SYSTEM *systems, uint32_t *count) KVR_NOEXCEPT;
 
-/* 1 when the system holds a slot (a group's client or a backup MSC), else 0; 0 for an invalid
- * handle. */
+/* 1 when the system holds a slot (a group's client, the MSC or a backup MSC), else 0; 0 for an
+ * invalid handle. */
 KVR_API uint32_t KVR_IsClient(KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* 1 when the system is in the ACG, else 0; 0 for an invalid handle. */
@@ -228,7 +233,8 @@ KVR_API uint32_t KVR_CreateKVR(int32_t *slot) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_DeleteKVR(void) KVR_NOEXCEPT;
 
 /* Replaces the keys of the configuration: writes a new key table to every host of the ACG, and
- * takes it into the local table when at least one host accepted it.
+ * takes it into the local table when at least one host accepted it. That the local table could not
+ * be stored is not reported: repeat the call, or the next load finds the old keys here.
  * Results: 0 (also when the ACG is empty: nothing is written);
  *   5000  a configuration is active and this host is not its MSC
  *   5008  some hosts keep the old keys and are marked (KVR_GetLastOpFailedServers) */
@@ -244,7 +250,7 @@ KVR_API uint32_t KVR_GenerateNewKeys(void) KVR_NOEXCEPT;
  *   5019  no adapter of the host took the table; the model is unchanged */
 KVR_API uint32_t KVR_AddServerToACG(KVR_SYSTEM system) KVR_NOEXCEPT;
 
-/* Takes a host out of the ACG: removes its table, and it from the servers of every group.
+/* Takes a host out of the ACG: removes its table, and takes it out of the servers of every group.
  * Results: 0;
  *   5000  a configuration is active and this host is not its MSC
  *   5007  invalid handle
@@ -254,7 +260,9 @@ KVR_API uint32_t KVR_AddServerToACG(KVR_SYSTEM system) KVR_NOEXCEPT;
 KVR_API uint32_t KVR_RemoveServerFromACG(KVR_SYSTEM system) KVR_NOEXCEPT;
 
 /* The value last given to KVR_EnableSwitchAccess (any nonzero value means enabled), or 1 when the
- * local table carried the flag at the load; 0 when switch access is off. */
+ * local table carried the flag at the load; 0 when switch access is off. After the configuration
+ * was deleted, or the MSC role handed over, it is 0 until the library is loaded again, whatever the
+ * tables say. */
 KVR_API uint32_t KVR_IsSwitchAccessEnabled(void) KVR_NOEXCEPT;
 
 /* Switches switch access on or off in the table of every host of the ACG and in the local one;
@@ -264,7 +272,8 @@ KVR_API uint32_t KVR_IsSwitchAccessEnabled(void) KVR_NOEXCEPT;
  * Results: 0;
  *   5000  a configuration is active and this host is not its MSC
  *   5008  some hosts could not be written and are marked; the others and the stored value changed.
- *         To retry, give the other value, then this one again
+ *         To retry, give another value that means the same (any nonzero one is on), or where
+ *         there is none, the other value and then this one again
  * That the local table could not be stored is not reported. */
 KVR_API uint32_t KVR_EnableSwitchAccess(uint32_t enable) KVR_NOEXCEPT;
 
@@ -328,8 +337,8 @@ KVR_API uint32_t KVR_GetAsgs(KVR_GROUP *groups, uint32_t *count) KVR_NOEXCEPT;
  * Results: 0;
  *   5007  invalid handle
  *   5012  an Offline Client group; its name is delivered all the same
- *   5001  no buffer, or the group has no 8-bit name (it was created with a UTF-16 name in this
- *         model; the next discovery gives it both)
+ *   5001  no buffer, or the group has no 8-bit name: it was created with a UTF-16 name since the
+ *         last discovery, its name begins with a unit above 255, or it has none at all
  *   5006  the name is longer than size; the first size characters were copied
  * 5001 and 5006 take the place of 5012. */
 KVR_API uint32_t KVR_GetAsgNameA(KVR_GROUP group, char *buffer, uint32_t size) KVR_NOEXCEPT;
@@ -382,7 +391,8 @@ KVR_API uint32_t KVR_GetAvailAsgServers(KVR_GROUP group, KVR_SYSTEM *systems,
  * an invalid handle and for an Offline Client group. */
 KVR_API uint32_t KVR_GetFreeIndexCount(KVR_GROUP group) KVR_NOEXCEPT;
 
-/* As KVR_GetFreeIndexCount, the number of slots in use. */
+/* As KVR_GetFreeIndexCount, the number of slots in use; at the top level of the MSC its own is one
+ * of them. */
 KVR_API uint32_t KVR_GetUsedIndexCount(KVR_GROUP group) KVR_NOEXCEPT;
 
 /* Creates a group.
@@ -417,7 +427,7 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
 
 /* Deletes a group: its servers serve the client no more, and its slots return to the pool they came
  * from. The handle becomes invalid; so does that of an Offline Client group whose last child it
- * was.
+ * was. Below an Offline Client group the pool is out of reach: there the slots stay taken.
  * Only what was discovered is looked at. A server that was not found keeps serving the slot, and so
  * the next client that gets it; a client below that was not found keeps its slot, which returns to
  * the pool with the others (KVR_GetUsedIndexCount tells of such). A server that is also the group's
@@ -429,14 +439,17 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
  *   5021  the group has child groups
  *   5020  the client holds no slot any more
  *   5019  the client's or the parent client's table could not be read: nothing is changed. Or the
- *         client's could not be written: the group stays, its servers serve it no more. Or the
- *         parent client's could not be written: the group is deleted, the slots stay taken there
+ *         client's could not be written: the group stays, its servers serve it no more but
+ *         stay listed: delete it again. Or the parent client's could not be written: the group is
+ *         deleted, the slots stay taken there
  *   5002, 5030  the local table could not be stored; the group is deleted
  *   5008  the group is deleted, but some servers could not be written and are marked
  * That the name could not be cleared, or a backup MSC not brought up to date, is not reported. */
 KVR_API uint32_t KVR_DeleteAsg(KVR_GROUP group) KVR_NOEXCEPT;
 
-/* Lets a host serve the group's client: one read and one write of the host's access table.
+/* Lets a host serve the group's client: one read and one write of the host's access table. Whether
+ * the two can reach each other is not looked at, nor whether the host is the client itself:
+ * KVR_GetAvailAsgServers lists those that make sense.
  * Results: 0;
  *   5024  this host is a backup MSC, or the system is one
  *   5007  invalid handle, or the system does not serve the parent group

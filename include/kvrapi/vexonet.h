@@ -9,7 +9,10 @@
  *     Vexo_PauseDiscovery, Vexo_GetFirstSystem, Vexo_GetNextSystem until it returns 0,
  *     Vexo_Terminate. Where systems were known at once, Vexo_StartDiscoveryCycle follows.
  *  2. Only the results of Vexo_GetFirstSystem and Vexo_GetNextSystem are looked at.
- *  3. The callback may come on a thread of the discovery library's own, and more than once.
+ *  3. The callback may come on a thread of the discovery library's own, and more than once: also
+ *     while Vexo_Startup still runs, or after Vexo_Terminate. The calls from it then come on that
+ *     thread, and may come while Vexo_Startup has not returned on the other; Vexo_GetFirstSystem
+ *     may follow Vexo_Terminate, and then has nothing to deliver.
  *  4. The local host is not among the systems delivered.
  */
 #ifndef KVRAPI_VEXONET_H

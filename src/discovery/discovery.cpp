@@ -80,6 +80,7 @@ bool KnowsSystems() {
 bool StartDiscovery() {
   Vexo_RegisterCallBack(ForwardDiscoveryEvent, 4, 0);
   g_discoveryActive = 1;
+  g_discoveryDone = 0;
   Vexo_Startup(1);
   const bool known = KnowsSystems();
   if (known) OnDiscoveryEvent(0, 0);
@@ -114,7 +115,8 @@ std::uint32_t DiscoverServers(KVR_DISCOVERY_CALLBACK callback, std::uintptr_t co
   g_discoveryCallback = callback;
   g_discoveryContext = context;
   const bool idle = g_discoveryActive == 0;
-  if (idle) g_discoveryDone = 0;
+  // An event of an earlier discovery's cycle that comes before this one is started is not its own.
+  if (idle) g_discoveryDone = 1;
   LetEventsPass();
   const bool known = idle && StartDiscovery();
   if (known || callback == nullptr) WaitUntilCollected();

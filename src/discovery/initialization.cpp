@@ -99,7 +99,8 @@ void ReleaseLocalState() {
 }
 
 void OnProcessDetach() {
-  // A thread that is still at work on the model and the tables goes on with them to its end.
+  // A thread that is still at work on the model and the tables goes on with them until the process
+  // ends.
   if (!RefuseEvents()) return;
   ReleaseLocalState();
   SecureZero(&g_localSaTable, sizeof g_localSaTable);
