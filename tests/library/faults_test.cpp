@@ -64,13 +64,15 @@ TEST(Faults, LeaveEveryChangeUndoneOrDone) {
     const fabric::ImageSet images = place->Images();
     const auto survive = [&, host = host](const std::function<void(const World &)> &addFaults) {
       place->RestoreImages(images);
-      place.Use();
       place.As(host);
       return Try(place, host, change, addFaults);
     };
-    g_now = 1'000'000'000;  // from which U's slot is drawn
-    const std::size_t calls = survive([](auto &) {});
+    place.Use();
+    place.As(host);
+    g_now = 1'000'000'001;  // from which U's slot is drawn
+    Make(place, change);
     EXPECT_EQ(News(place, images), news) << change.function;
+    const std::size_t calls = survive([](auto &) {});
     for (std::uint32_t first = 1; first <= calls; ++first) {
       survive([=](auto &w) { w->FailFromCall(first); });
       for (std::uint32_t second = first; second < first + 9; ++second)

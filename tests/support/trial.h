@@ -5,9 +5,9 @@
 
 namespace kvrtest {
 
+// A function, without KVR_, and what it is given: a group by its client, a host or a new name.
 struct Change {
-  std::string function;               // without KVR_
-  std::string group = {}, host = {};  // the group by its client; the host, or a new name
+  std::string function, group = {}, host = {};
   std::uint32_t count = 0;
 };
 
