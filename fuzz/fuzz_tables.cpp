@@ -5,9 +5,7 @@
 #include "library_walk.h"
 #include "stranger.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
-
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   fuzz::SetStranger({data, size});
   fuzz::UseEverything(size > 0 ? data[size - 1] : 0);
   return 0;

@@ -12,7 +12,9 @@
 #include "discovery/initialization.h"
 #include "model/local_state.h"
 
-extern "C" std::time_t __wrap_time(std::time_t *) { return 1'000'000'000; }
+std::uint32_t fuzz::g_now = 1'000'000'000;
+
+extern "C" std::time_t __wrap_time(std::time_t *) { return fuzz::g_now; }
 
 namespace {
 
@@ -155,12 +157,12 @@ const Operation kOperations[] = {
 
 void fuzz::ForgetEverything() {
   kvr::ReleaseLocalState();
-  kvr::g_apiInitialized = kvr::g_initResult = 0;
-  kvr::g_localSaTable = {};
+  kvr::g_apiInitialized = kvr::g_initResult = kvr::g_switchAccessEnabled = 0;
   kvr::g_securityActive = kvr::g_isSecureClient = kvr::g_isMsc = kvr::g_isBackupMsc = 0;
-  kvr::g_switchAccessEnabled = 0;
+  kvr::g_localSaTable = {};
   kvr::g_localIndex = -1;
-  kvr::g_discoveryActive = 0;
+  kvr::g_discoveryCallback = nullptr;
+  kvr::g_discoveryContext = kvr::g_discoveryDone = kvr::g_discoveryActive = 0;
 }
 
 void fuzz::UseEverything(std::uint32_t choice) {

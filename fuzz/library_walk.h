@@ -3,13 +3,15 @@
 // What is stored in the tables, and what discovery delivers, are bytes from strangers. Whatever
 // they are, the library must not crash, hang, leak, write past a caller's buffer, or count in one
 // way and list in another. Programs that link this room also link the outside libraries of their
-// choice. Their clock stands still at 1,000,000,000 (-Wl,--wrap=time), so that what the library
+// choice. Their clock stands still (-Wl,--wrap=time), so that what the library
 // draws at random is the same in every run.
 #pragma once
 
 #include <cstdint>
 
 namespace fuzz {
+
+extern std::uint32_t g_now;  // the time on that clock; at first 1,000,000,000
 
 // Gives back all memory and puts the library's process-wide state to what a fresh process has.
 void ForgetEverything();

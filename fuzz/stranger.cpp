@@ -1,7 +1,6 @@
 #include "stranger.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <random>
 #include <string>
@@ -21,9 +20,7 @@ struct Stranger {
 };
 
 std::vector<Stranger> g_hosts;  // the local host is the last one
-Word g_localAdapters = 1;
-Word g_faultPeriod = 0;
-Word g_calls = 0;
+Word g_localAdapters = 1, g_faultPeriod = 0, g_calls = 0;
 std::size_t g_next = 0;
 VEXO_CALLBACK g_callback = nullptr;
 
@@ -54,14 +51,16 @@ void MakeHosts(Word others, std::uint8_t role) {
   backup.entries[owner].access = {ACE_SERVES, ACE_SELF | ACE_BACKUP_MSC, 0, 0};
 }
 
-void FillRandomly(void *memory, std::size_t size, Word seed) {
+template <class Record>
+void FillRandomly(Record &record, Word seed) {
   std::minstd_rand random(seed);
-  std::generate_n(static_cast<std::uint8_t *>(memory), size,
+  std::generate_n(reinterpret_cast<std::uint8_t *>(&record), sizeof record,
                   [&] { return static_cast<std::uint8_t>(random() >> 8); });
 }
 
-void Patch(void *memory, std::size_t size, std::size_t word, Word value) {
-  std::memcpy(static_cast<std::uint8_t *>(memory) + word % (size / 4) * 4, &value, sizeof value);
+template <class Record>
+void Patch(Record &record, Word word, Word value) {
+  std::memcpy(reinterpret_cast<char *>(&record) + word % (sizeof record / 4) * 4, &value, 4);
 }
 
 void Relate(Word number, Word distance, Word flags) {
@@ -71,49 +70,39 @@ void Relate(Word number, Word distance, Word flags) {
   }
 }
 
-void Apply(fuzz::Instruction instruction, Word number, Word where, Word value) {
-  auto &[record, table, hasTable] = g_hosts[number];
-  AccessEntry &entry = table.entries[where % KVR_POSITION_COUNT].access;
-  switch (instruction) {
-    case fuzz::Instruction::kRoleFlags:
-      entry.roleFlags = value;
-      return;
-    case fuzz::Instruction::kServeFlags:
-      entry.serveFlags = value;
-      return;
-    case fuzz::Instruction::kRelation:
-      return Relate(number, where, value);
-    case fuzz::Instruction::kPatchHeader:
-      return Patch(&table.header, sizeof table.header, where, value);
-    case fuzz::Instruction::kRandomTable:
-      return FillRandomly(&table, sizeof table, value + number);
-    case fuzz::Instruction::kNoTable:
-      hasTable = false;
-      return;
-    case fuzz::Instruction::kPatchRecord:
-      return Patch(&record, sizeof record, where, value);
-    case fuzz::Instruction::kPatchCount:
-      (where < VEXO_MAX_ADAPTERS ? record.adapters[where].reachIdCount : record.adapterCount) =
-          value;
-      return;
-    case fuzz::Instruction::kRandomRecord:
-      FillRandomly(&record, sizeof record, value + number);
-      record.excluded = 0;
-  }
+AccessEntry &EntryOf(Stranger &host, Word where) {
+  return host.table.entries[where % KVR_POSITION_COUNT].access;
 }
 
-// The host that an adapter's identity leads to, or null when the call fails. Any identity leads to
-// some host: strangers may share one.
-Stranger *Reach(Word id) {
-  if (g_faultPeriod != 0 && ++g_calls % g_faultPeriod == 0) return nullptr;
-  return &g_hosts[id % g_hosts.size()];
-}
+// In the order of their numbers.
+using Instruction = void (*)(Stranger &host, Word number, Word where, Word value);
+const Instruction kInstructions[] = {
+    [](auto &host, auto, auto where, auto value) { EntryOf(host, where).roleFlags = value; },
+    [](auto &host, auto, auto where, auto value) { EntryOf(host, where).serveFlags = value; },
+    [](auto &, auto number, auto where, auto value) { Relate(number, where, value); },
+    [](auto &host, auto, auto where, auto value) { Patch(host.table.header, where, value); },
+    [](auto &host, auto number, auto, auto value) { FillRandomly(host.table, value + number); },
+    [](auto &host, auto...) { host.hasTable = false; },
+    [](auto &host, auto, auto where, auto value) { Patch(host.record, where, value); },
+    [](auto &host, auto, auto where, auto value) {
+      DiscoveredSystem &record = host.record;
+      const bool reach = where < VEXO_MAX_ADAPTERS;
+      (reach ? record.adapters[where].reachIdCount : record.adapterCount) = value;
+    },
+    [](auto &host, auto number, auto, auto value) {
+      FillRandomly(host.record, value + number);
+      host.record.excluded = 0;
+    }};
 
+// Acts on the host that an adapter's identity leads to, and on its table, which is there or else
+// made anew. Any identity leads to some host: strangers may share one.
 template <class Act>
-Word AtTable(Word id, Act act) {
-  Stranger *host = Reach(id);
-  if (host == nullptr || !host->hasTable) return 1;
-  act(*host);
+Word AtTable(Word id, Act act, bool anew = false) {
+  if (g_faultPeriod != 0 && ++g_calls % g_faultPeriod == 0) return 1;
+  Stranger &host = g_hosts[id % g_hosts.size()];
+  if (!host.hasTable && !anew) return 1;
+  host.hasTable = true;
+  act(host);
   return 0;
 }
 
@@ -126,9 +115,9 @@ Word Deliver(void *record) {
 }  // namespace
 
 void fuzz::SetStranger(std::span<const std::uint8_t> bytes) {
-  std::array<std::uint8_t, 3> head{};
-  const std::size_t headSize = std::min(head.size(), bytes.size());
-  std::copy_n(bytes.begin(), headSize, head.begin());
+  std::uint8_t head[3] = {};
+  const std::size_t headSize = std::min(std::size(head), bytes.size());
+  std::copy_n(bytes.begin(), headSize, head);
   g_faultPeriod = head[1];
   g_calls = 0;
   g_localAdapters = head[2] == 255 ? 200 : head[2] == 254 ? 0 : 1;
@@ -136,10 +125,10 @@ void fuzz::SetStranger(std::span<const std::uint8_t> bytes) {
   for (bytes = bytes.subspan(headSize); bytes.size() >= 8; bytes = bytes.subspan(8)) {
     Word value = 0;
     for (std::size_t i = 8; i-- > 4;) value = value << 8 | bytes[i];
-    const auto instruction = static_cast<Instruction>(bytes[0] % kInstructionCount);
+    const Instruction apply = kInstructions[bytes[0] % std::size(kInstructions)];
     for (Word number = 0; number < g_hosts.size(); ++number) {
       if (bytes[1] != 255 && bytes[1] % g_hosts.size() != number) continue;
-      Apply(instruction, number, bytes[2] | Word{bytes[3]} << 8, value);
+      apply(g_hosts[number], number, bytes[2] | Word{bytes[3]} << 8, value);
     }
   }
 }
@@ -156,24 +145,19 @@ Word TQ_ReadSaTable(Word, Word, Word id0, Word, void *table, Word *) {
   return AtTable(id0, [&](Stranger &host) { std::memcpy(table, &host.table, sizeof host.table); });
 }
 Word TQ_WriteSaTable(Word, Word, Word id0, Word, const void *table) {
-  Stranger *host = Reach(id0);
-  if (host == nullptr) return 1;
-  std::memcpy(&host->table, table, sizeof host->table);
-  host->hasTable = true;
-  return 0;
+  return AtTable(
+      id0, [&](auto &h) { std::memcpy(&h.table, table, sizeof h.table); }, true);
 }
 Word TQ_RemoveSaTable(Word, Word, Word id0, Word) {
   return AtTable(id0, [](Stranger &host) { host.hasTable = false; });
 }
 Word TQ_ReadSaTableHeader(Word, Word, Word id0, Word, void *header, Word *) {
-  return AtTable(id0, [&](Stranger &host) {
-    std::memcpy(header, &host.table.header, sizeof host.table.header);
-  });
+  return AtTable(id0,
+                 [&](auto &h) { std::memcpy(header, &h.table.header, sizeof(SaTableHeader)); });
 }
 Word TQ_WriteSaTableHeader(Word, Word, Word id0, Word, const void *header) {
-  return AtTable(id0, [&](Stranger &host) {
-    std::memcpy(&host.table.header, header, sizeof host.table.header);
-  });
+  return AtTable(id0,
+                 [&](auto &h) { std::memcpy(&h.table.header, header, sizeof(SaTableHeader)); });
 }
 Word TQ_ReadAccessControlTable(Word, Word, Word id0, Word, void *table, Word *) {
   return AtTable(id0, [&](Stranger &host) {

@@ -6,10 +6,20 @@
 // MSC. Host h holds slot h and is a member of the configuration, and the local host is the last
 // one; all tables agree at first. Then come instructions of 8 bytes:
 //
-//   0      what is done, modulo 9 (Instruction)
+//   0      what is done, modulo 9
 //   1      to which host; 255: to each of them
 //   2, 3   where, low byte first
 //   4 - 7  a value, low byte first
+//
+//   0  the role flags of a position become the value
+//   1  the serve flags of a position become the value
+//   2  role flags are added at the slot of the host that many hosts on; 65535: of all
+//   3  a word of the table's header becomes the value
+//   4  the whole table becomes random bytes with the value as the seed
+//   5  the host holds no table
+//   6  a word of the discovery record becomes the value
+//   7  some reachIdCount of it, from 100 on adapterCount, becomes the value
+//   8  the whole discovery record becomes random bytes with the value as the seed
 //
 // A rest that is too short for an instruction is ignored. The network answers at once, on the
 // caller's thread.
@@ -19,19 +29,6 @@
 #include <span>
 
 namespace fuzz {
-
-enum class Instruction : std::uint8_t {
-  kRoleFlags,     // the role flags of a position become the value
-  kServeFlags,    // the serve flags of a position become the value
-  kRelation,      // role flags are added at the slot of the host that many hosts on; 65535: of all
-  kPatchHeader,   // a word of the table's header becomes the value
-  kRandomTable,   // the whole table becomes random bytes with the value as the seed
-  kNoTable,       // the host holds no table
-  kPatchRecord,   // a word of the discovery record becomes the value
-  kPatchCount,    // some reachIdCount of it, from 100 on adapterCount, becomes the value
-  kRandomRecord,  // the whole discovery record becomes random bytes with the value as the seed
-};
-inline constexpr std::uint8_t kInstructionCount = 9;
 
 // Sets up the network that the outside functions of this process act on from now on.
 void SetStranger(std::span<const std::uint8_t> bytes);

@@ -1,6 +1,5 @@
 // Three lists say which functions the library has: the export list, the public header and the
 // symbols of the built library. The outside libraries have a header and symbols each.
-#include <array>
 #include <cstdio>
 #include <memory>
 #include <regex>
@@ -17,13 +16,10 @@ using Names = std::set<std::string>;
 Names Matches(const std::string &command, const std::string &pattern) {
   const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
   std::string text;
-  std::array<char, 4096> part{};
-  while (pipe && std::fgets(part.data(), part.size(), pipe.get()) != nullptr) text += part.data();
+  char part[4096];
+  while (pipe && std::fgets(part, sizeof part, pipe.get()) != nullptr) text += part;
   const std::regex regex(pattern);
-  Names names;
-  for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match)
-    names.insert((*match)[1]);
-  return names;
+  return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
 }
 
 Names Declared(const std::string &header, const std::string &marker) {

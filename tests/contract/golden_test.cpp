@@ -6,17 +6,12 @@
 #include <iterator>
 #include <span>
 #include <sstream>
-#include <string>
-#include <vector>
-
-#include <fmt/ranges.h>
-#include <gtest/gtest.h>
 
 #include "support/world.h"
 
-namespace {
+using namespace kvrtest;
 
-using kvrtest::World;
+namespace {
 
 const std::vector<std::string> HOSTS = {"M", "A", "B", "C", "D"};
 
@@ -27,9 +22,8 @@ std::string ReadGolden(const std::string &name) {
 }
 
 void ExpectGolden(const std::string &name, const std::string &actual) {
-  if (std::getenv("KVR_GOLDEN_UPDATE") != nullptr) {
+  if (std::getenv("KVR_GOLDEN_UPDATE") != nullptr)
     std::ofstream(GOLDEN_DIR "/" + name, std::ios::binary) << actual;
-  }
   EXPECT_EQ(actual, ReadGolden(name)) << name;
 }
 
@@ -77,19 +71,17 @@ TEST(Golden, WrittenTables) {
   ASSERT_EQ(KVR_CreateKVR(&slot), KVR_OK);
   ExpectGolden("fresh-M.image", TextOf(*world->Image("M")));
   for (const char *member : {"A", "B", "C", "D"})
-    ASSERT_EQ(KVR_AddServerToACG(kvrtest::System(member)), KVR_OK);
+    ASSERT_EQ(KVR_AddServerToACG(System(member)), KVR_OK);
   ExpectGolden("fresh-A.image", TextOf(*world->Image("A")));
 
-  KVR_GROUP upper = nullptr;
-  KVR_GROUP lower = nullptr;
-  std::uint32_t reserve = 3;
-  KVR_SYSTEM b = kvrtest::System("B");
-  ASSERT_EQ(KVR_CreateAsgA(nullptr, "abcdefg", kvrtest::System("A"), &reserve, &upper), KVR_OK);
-  ASSERT_EQ(KVR_AddServerToAsg(upper, b), KVR_OK);
-  ASSERT_EQ(KVR_AddServerToAsg(upper, kvrtest::System("C")), KVR_OK);
-  reserve = 1;
-  ASSERT_EQ(KVR_CreateAsgW(upper, u"0123456789012345678901234567890", b, &reserve, &lower), KVR_OK);
-  ASSERT_EQ(KVR_AddServerToAsg(lower, kvrtest::System("C")), KVR_OK);
+  KVR_GROUP upper = nullptr, lower = nullptr;
+  std::uint32_t three = 3, one = 1;
+  const KVR_WCHAR *digits = u"0123456789012345678901234567890";
+  ASSERT_EQ(KVR_CreateAsgA(nullptr, "abcdefg", System("A"), &three, &upper), KVR_OK);
+  for (const char *server : {"B", "C"})
+    ASSERT_EQ(KVR_AddServerToAsg(upper, System(server)), KVR_OK);
+  ASSERT_EQ(KVR_CreateAsgW(upper, digits, System("B"), &one, &lower), KVR_OK);
+  ASSERT_EQ(KVR_AddServerToAsg(lower, System("C")), KVR_OK);
 
   SaTable backup = *world->Image("D");
   backup.entries[slot].access.roleFlags = ACE_SELF | ACE_BACKUP_MSC;
@@ -101,20 +93,18 @@ TEST(Golden, WrittenTables) {
 
 // What the hosts make of the tree, and M of the tree with another table in one host's place.
 TEST(Golden, ReadTables) {
-  struct Reading {
-    std::string name, place, reader;
-  };
-  const Reading readings[] = {{"tree-M", "M", "M"},     {"tree-A", "A", "A"},
-                              {"tree-C", "C", "C"},     {"tree-D", "D", "D"},
-                              {"bad-random", "A", "M"}, {"bad-names", "A", "M"},
-                              {"bad-roles", "A", "M"},  {"bad-local", "M", "M"}};
+  const std::string readings[][3] = {// table, its place, reader
+                                     {"tree-M", "M", "M"},     {"tree-A", "A", "A"},
+                                     {"tree-C", "C", "C"},     {"tree-D", "D", "D"},
+                                     {"bad-random", "A", "M"}, {"bad-names", "A", "M"},
+                                     {"bad-roles", "A", "M"},  {"bad-local", "M", "M"}};
   const World world(HOSTS);
   for (const auto &[name, place, reader] : readings) {
     for (const std::string &host : HOSTS)
       world->PlantImage(host, ImageOf(ReadGolden("tree-" + host + ".image")));
     world->PlantImage(place, ImageOf(ReadGolden(name + ".image")));
     world.As(reader);
-    ExpectGolden(name + ".model", kvrtest::Model());
+    ExpectGolden(name + ".model", Model());
   }
 }
 

@@ -4,8 +4,7 @@
 
 #include "scratch_folder.h"
 
-namespace fabric {
-namespace {
+using namespace fabric;
 
 const std::string kHost = "[[host]]\nname = \"a\"\n";
 const std::string kAdapter = "[[host.adapter]]\nid = \"2000000000000001\"\n";
@@ -93,6 +92,3 @@ TEST(Description, SetHostUpChangesNothingElse) {
     EXPECT_EQ(folder.Get("fabric.toml").find("false"), std::string::npos);
   }
 }
-
-}  // namespace
-}  // namespace fabric

@@ -8,7 +8,8 @@
 #include "fabric/image_store.h"
 #include "scratch_folder.h"
 
-namespace fabric {
+using namespace fabric;
+
 namespace {
 
 constexpr int kRounds = 40;
@@ -85,4 +86,3 @@ TEST(FolderStore, UnreadableTablesAreReplacedButNotChanged) {
 }
 
 }  // namespace
-}  // namespace fabric

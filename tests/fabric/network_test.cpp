@@ -9,7 +9,8 @@
 
 #include "fabric/current.h"
 
-namespace fabric {
+using namespace fabric;
+
 namespace {
 
 const std::string kAllDone = "000000000", kNoneDone = "111111111";
@@ -51,27 +52,23 @@ Network &Use(const Description &description = ThreeHosts()) {
 TEST(Network, AnswersOnlyWhereARealOneWould) {
   const auto neighbours = ThreeHosts().hosts[1].adapters[1].credential;
   const auto portDown = [](Network &n) { n.SetAdapterUp("there", 0, false); };
-  const struct {
-    const char *situation;
-    std::function<void(Network &)> arrange;
-    std::string host;
-    std::uint32_t adapter;
-    std::optional<Id8> credential;  // none: the right one
-    std::string results;
-  } cases[] = {
-      {"remote", {}, "there", 0, {}, kAllDone},
-      {"remote, zero credential", {}, "there", 0, Id8{}, kNoneDone},
-      {"remote, its neighbour's", {}, "there", 0, neighbours, kNoneDone},
-      {"remote without credential", {}, "bare", 0, Id8{}, kAllDone},
-      {"local", {}, "here", 0, Id8{}, kAllDone},
-      {"local by its credential", {}, "here", 0, {}, kNoneDone},
-      {"local, second adapter", {}, "here", 1, Id8{}, kNoneDone},
-      {"not local", [](Network &n) { n.SetLocalHost("bare"); }, "here", 0, Id8{}, kNoneDone},
-      {"no table", [](Network &n) { n.RemoveImage("there"); }, "there", 0, {}, "111111110"},
-      {"host down", [](Network &n) { n.SetHostUp("there", false); }, "there", 1, {}, kNoneDone},
-      {"adapter down", portDown, "there", 0, {}, kNoneDone},
-      {"other adapter down", portDown, "there", 1, {}, kAllDone},
-  };
+  const std::tuple<const char *, std::function<void(Network &)>, std::string, std::uint32_t,
+                   std::optional<Id8>, std::string>
+      cases[] = {
+          // situation, what leads to it, host, adapter, credential (none: the right one), results
+          {"remote", {}, "there", 0, {}, kAllDone},
+          {"remote, zero credential", {}, "there", 0, Id8{}, kNoneDone},
+          {"remote, its neighbour's", {}, "there", 0, neighbours, kNoneDone},
+          {"remote without credential", {}, "bare", 0, Id8{}, kAllDone},
+          {"local", {}, "here", 0, Id8{}, kAllDone},
+          {"local by its credential", {}, "here", 0, {}, kNoneDone},
+          {"local, second adapter", {}, "here", 1, Id8{}, kNoneDone},
+          {"not local", [](Network &n) { n.SetLocalHost("bare"); }, "here", 0, Id8{}, kNoneDone},
+          {"no table", [](Network &n) { n.RemoveImage("there"); }, "there", 0, {}, "111111110"},
+          {"host down", [](Network &n) { n.SetHostUp("there", false); }, "there", 1, {}, kNoneDone},
+          {"adapter down", portDown, "there", 0, {}, kNoneDone},
+          {"other adapter down", portDown, "there", 1, {}, kAllDone},
+      };
   for (const auto &[situation, arrange, host, adapter, credential, results] : cases) {
     Network &network = Use();
     if (arrange) arrange(network);
@@ -142,7 +139,7 @@ std::string Announced(const std::function<void()> &end, std::uint32_t (*giveUp)(
   return g_events == 1 ? g_delivered : "nothing";
 }
 
-TEST(Discovery, DeliversKnownSystemsAtOnce) {
+TEST(Discovery, DeliversKnownSystemsAtOnceAndLateOnesInEveryCycleUnlessGivenUp) {
   Description description = ThreeHosts();
   description.hosts[1].up = false;
   description.hosts[2].excluded = true;
@@ -152,14 +149,11 @@ TEST(Discovery, DeliversKnownSystemsAtOnce) {
   Vexo_Terminate();
   Vexo_StartDiscoveryCycle();
   EXPECT_EQ(Enumerate(), "") << "shut down";
-}
 
-TEST(Discovery, AnnouncesLateSystemsInEveryCycleUnlessGivenUp) {
-  Description description = ThreeHosts();
   description.knownAtStart = false;
   Use(description);
   for (int cycle = 1; cycle <= 3; ++cycle) {
-    EXPECT_EQ(Announced(Vexo_Terminate), "there bare ");
+    EXPECT_EQ(Announced(Vexo_Terminate), "there bare! ");
     EXPECT_EQ(Enumerate(), "") << "shut down by the callback";
     EXPECT_EQ(Announced(Vexo_Terminate, Vexo_Terminate), "nothing");
   }
@@ -178,4 +172,3 @@ TEST(Discovery, TellsALoneHostThatThereIsNobody) {
 }
 
 }  // namespace
-}  // namespace fabric

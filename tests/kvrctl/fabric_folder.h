@@ -14,7 +14,6 @@
 #include "scratch_folder.h"
 
 using Json = nlohmann::json;
-using Words = std::vector<std::string>;
 
 class FabricFolder : public testing::Test {
  protected:
@@ -29,31 +28,29 @@ class FabricFolder : public testing::Test {
 
   void Save() const { fabric::SaveDescription(folder.Path(), network); }
 
-  [[nodiscard]] Words Line(const std::string &host, Words words) const {
-    words.insert(words.end(), {"--fabric", folder.Path().string(), "--host", host});
-    return words;
+  [[nodiscard]] std::string Line(const std::string &host, const std::string &command) const {
+    return command + " --host " + host + " --fabric " + folder.Path().string();
   }
 
-  [[nodiscard]] Result Run(const std::string &host, const Words &words) const {
-    return Process(Line(host, words)).Finish();
+  [[nodiscard]] Result Run(const std::string &host, const std::string &command) const {
+    return Process(Line(host, command)).Finish();
   }
 
   // Runs the commands as h1; false when one fails.
-  [[nodiscard]] bool RunAll(const std::vector<Words> &commands) const {
-    return std::all_of(commands.begin(), commands.end(),
-                       [&](const Words &words) { return Run("h1", words).status == 0; });
+  [[nodiscard]] bool RunAll(const std::vector<std::string> &commands) const {
+    return std::ranges::all_of(commands, [&](auto &line) { return Run("h1", line).status == 0; });
   }
 
   // Runs the command in the JSON form and expects this exit status.
-  [[nodiscard]] Json Ask(const std::string &host, Words words, int status = 0) const {
-    words.insert(words.end(), {"--output", "json"});
-    const Result result = Run(host, words);
+  [[nodiscard]] Json Ask(const std::string &host, const std::string &command,
+                         int status = 0) const {
+    const Result result = Run(host, command + " --output json");
     EXPECT_EQ(result.status, status) << result.out << result.err;
     return Json::parse(result.out, nullptr, false);
   }
 
-  [[nodiscard]] Json ResultOf(const std::string &host, const Words &words) const {
-    return Ask(host, words).value("result", Json());
+  [[nodiscard]] Json ResultOf(const std::string &host, const std::string &command) const {
+    return Ask(host, command).value("result", Json());
   }
 
   // Expects every stored image to have the size of one, and returns how many there are.

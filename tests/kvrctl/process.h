@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -21,7 +23,10 @@ struct Result {
 // output goes to a file. The destructor waits for its end.
 class Process {
  public:
-  explicit Process(std::vector<std::string> words) {
+  // The words of the command have no blanks.
+  explicit Process(const std::string &command) {
+    std::istringstream stream(command);
+    std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
     fcntl(ends[0], F_SETPIPE_SZ, 4096);
@@ -39,7 +44,6 @@ class Process {
     err_ = fdopen(ends[0], "r");
   }
   Process(const Process &) = delete;
-  Process &operator=(const Process &) = delete;
   ~Process() {
     if (pid_ > 0) Finish();
     std::fclose(out_);

@@ -8,6 +8,16 @@ using namespace kvrtest;
 
 namespace {
 
+std::vector<const void *> Items(const kvr::OrderedList &list) {
+  std::vector<const void *> items;
+  const kvr::ListNode *before = &list.header;
+  for (kvr::ListNode *node = ListFirst(&list); node != nullptr; node = (before = node)->next) {
+    if (node->prev != before) throw std::logic_error("a link back leads elsewhere");
+    items.push_back(node->data);
+  }
+  return items;
+}
+
 TEST(OrderedList, KeepsItsOrderAndItsLinks) {
   const std::tuple<std::string, std::string, const char *> cases[] = {
       // names of the items, "_" for an empty one; numbers of those inserted, or from "a" on found
@@ -25,11 +35,8 @@ TEST(OrderedList, KeepsItsOrderAndItsLinks) {
       step >= 'a' ? ListUnlink(ListFind(list, item), 0) : ListInsertSorted(list, item);
     }
     std::string found;
-    const kvr::ListNode *before = &list->header;
-    for (kvr::ListNode *node = ListFirst(list); node != nullptr; node = (before = node)->next) {
-      EXPECT_EQ(node->prev, before);
-      found += std::to_string(static_cast<kvr::GroupRecord *>(node->data) - items.data());
-    }
+    for (const void *item : Items(*list))
+      found += std::to_string(static_cast<const kvr::GroupRecord *>(item) - items.data());
     EXPECT_EQ(found, order) << names << " " << steps;
     ListDestroy(list, 0);
   }
@@ -54,10 +61,7 @@ TEST(ListFillSystems, GivesTheOrderOfInsertingOneByOne) {
     }
     for (kvr::SystemRecord *system : arrivals) ListInsertSorted(slow, system);
     kvr::ListFillSystems(*fast, arrivals);
-    const kvr::ListNode *one = ListFirst(slow), *other = ListFirst(fast);
-    for (; one != nullptr && other != nullptr; one = one->next, other = other->next)
-      RC_ASSERT((one->data == other->data && other->prev->next == other));
-    RC_ASSERT((one == other));
+    RC_ASSERT((Items(*slow) == Items(*fast)));
     ListDestroy(slow, 0);
     ListDestroy(fast, 0);
   }));
@@ -71,29 +75,29 @@ const Lines kHosts = {"V",    "longname1 s5 s10", "M 5=3 10=4", "B s5 s10", "A 1
 
 TEST(Registry, ListsTheFirstSystemsThatFit) {
   const World world(kHosts);
-  const std::pair<Lines, std::function<std::uint32_t(KVR_SYSTEM *, std::uint32_t *)>> lists[] = {
+  world.As("M");
+  const auto mark = [] {
+    for (const char *failed : {"A", "U", "V"}) System(failed)->lastOpFailed = 1;
+  };
+  const std::pair<Lines, ListOf<KVR_SYSTEM>> lists[] = {
       {{"A", "B", "K", "S", "longname1"}, KVR_GetAcgServers},
       {{"K"}, KVR_GetBackupMSCs},
       {{"S"}, [](auto *s, auto *n) { return KVR_GetAvailAsgServers(Group("A"), s, n); }},
       {{"U", "V"}, KVR_GetUnsecureServers},
       {{"B", "longname1"}, [](auto *s, auto *n) { return KVR_GetAsgServers(Group("A"), s, n); }},
-      {{"A", "U", "V"}, KVR_GetLastOpFailedServers}};
+      {{"A", "U", "V"},
+       [&](auto *s, auto *n) { return mark(), KVR_GetLastOpFailedServers(s, n); }}};
   for (const auto &[names, list] : lists) {
-    for (std::uint32_t capacity = 0, count; capacity <= names.size() + 1; ++capacity) {
-      world.As("M");
-      for (const char *failed : {"A", "U", "V"}) System(failed)->lastOpFailed = 1;
-      KVR_SYSTEM systems[7] = {};
-      EXPECT_EQ(list(systems, &(count = capacity)), capacity < names.size() ? 5005u : 0u);
-      ASSERT_EQ(count, std::min<std::size_t>(capacity, names.size()));
-      for (std::uint32_t i = 0; i < 7; ++i)
-        EXPECT_EQ(systems[i], i < count ? System(names[i]) : nullptr);
-      EXPECT_EQ(list(nullptr, &(count = 1)), KVR_ERR_INVALID_HANDLE);
-      EXPECT_EQ(list(systems, nullptr) + count, KVR_ERR_INVALID_HANDLE + 1);
-      KVR_GetLastOpFailedServers(systems, &(count = 7));
-      EXPECT_EQ(count, names.size() == 3 ? 3 - std::min(capacity, 3u) : 3)
-          << "only those delivered";
-    }
+    std::vector<KVR_SYSTEM> systems;
+    for (const std::string &name : names) systems.push_back(System(name));
+    ExpectFirstThatFit(systems, KVR_ERR_MORE_SYSTEMS, list);
   }
+  KVR_SYSTEM systems[2];
+  std::uint32_t count = 2;
+  mark();
+  EXPECT_EQ(KVR_GetLastOpFailedServers(systems, &count), KVR_ERR_MORE_SYSTEMS);
+  EXPECT_EQ(KVR_GetLastOpFailedServers(systems, &count), KVR_OK) << "those delivered are no more";
+  EXPECT_TRUE(count == 1 && systems[0] == System("V"));
 }
 
 TEST(Registry, NamesHostsOutsideTheAcgOnlyOnItsMsc) {

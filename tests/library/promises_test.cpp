@@ -7,10 +7,8 @@
 #include <map>
 #include <regex>
 #include <set>
-#include <string>
 
-#include <fmt/ranges.h>
-#include <gtest/gtest.h>
+#include "support/world.h"
 
 namespace {
 

@@ -6,8 +6,6 @@
 
 using namespace kvrtest;
 
-namespace {
-
 // roleFlags: 4 child, 8 delegated; 10, 14 and 18 free, child and delegated of a reserve.
 TEST(Rebuild, PlacesEveryClientAsDeepAsTheTablesSay) {
   const std::string m = "M 5=3 10=4 11=8 12=8", a = "A 10=1 11=14 12=18", b = "B 11=1 12=14";
@@ -15,7 +13,7 @@ TEST(Rebuild, PlacesEveryClientAsDeepAsTheTablesSay) {
     std::vector<std::string> tables;
     const char *tree;
     std::uint32_t faultyRead = 0;  // of A's table, from 1: the scan, the walk from the top, ...
-    bool once = false;             // or every one from there on
+    std::optional<std::uint32_t> times = {};  // or every one from there on
   } cases[] = {
       {{"M 5=3"}, ""},
       // The chain of A, B and D, with S serving two of them; whole, and with each link missing.
@@ -24,7 +22,7 @@ TEST(Rebuild, PlacesEveryClientAsDeepAsTheTablesSay) {
       {{m, b, "D 12=1"}, "?(B11(D12))"},
       {{m, a, b, "D 12=1"}, "?(B11(D12))", 1},
       {{m, a, b, "D 12=1"}, "?(B11(D12)) A10", 2},
-      {{m, a, b, "D 12=1"}, "A10(?(B11(D12)))", 2, true},
+      {{m, a, b, "D 12=1"}, "A10(?(B11(D12)))", 2, 1},
       {{m + " 13=8", a + " 13=18", b + " 13=18", "E 13=1"}, "A10(B11(?(E13)))"},
       // One group "Offline Client" serves every orphan that reaches its place.
       {{m + " 13=8", a + " 13=18", "D 12=1", "E 13=1"}, "A10(?(D12 E13))"},
@@ -36,6 +34,7 @@ TEST(Rebuild, PlacesEveryClientAsDeepAsTheTablesSay) {
       // Orphans met before those above them are discarded for the sub-trees of these ...
       {{m + " 13=8", "B 13=1", "C 12=1 13=14", "D 11=1 12=14 13=18", "S s13"},
        "?(D11(C12(B13{S})))"},
+      {{m + " 13=8", "B 13=1", "C 12=1", "D 11=1 12=14 13=14"}, "?(D11(B13 C12))"},
       // ... and lost with a client in between; E, which B took along, comes again in its turn.
       {{m + " 13=8 14=8 15=8", "B 13=1 14=14", "D 11=1 12=14 13=18 14=18 15=14", "E 14=1", "F 15=1",
         "S s13 s14"},
@@ -43,10 +42,9 @@ TEST(Rebuild, PlacesEveryClientAsDeepAsTheTablesSay) {
       // Relations that go round in circles end.
       {{m, a + " 10=15", b + " 10=14"}, "A10(B11)"},
       {{"M 5=3 10=8 11=8", "A 10=1 11=14", "B 10=14 11=1"}, "?(A10(B11))"}};
-  for (const auto &[tables, tree, faultyRead, once] : cases) {
+  for (const auto &[tables, tree, faultyRead, times] : cases) {
     const World world(tables);
-    const auto count = once ? std::optional(1u) : std::nullopt;
-    if (faultyRead != 0) world->AddFault({"A", {}, "TQ_ReadAccessControlTable", faultyRead, count});
+    if (faultyRead != 0) world->AddFault({"A", {}, "TQ_ReadAccessControlTable", faultyRead, times});
     world.As("M");
     EXPECT_EQ(Tree(), tree);
     kvr::RebuildGroupTree();
@@ -73,5 +71,3 @@ TEST(Rebuild, ReadsEachTableAfreshInAFixedOrder) {
             "S:B A:B S:D A:D S:E A:E A:D "  // the orphans B and D, and D's child E
             "A:B A:B");                     // B takes D; nobody takes B
 }
-
-}  // namespace

@@ -7,8 +7,6 @@
 
 using namespace kvrtest;
 
-namespace {
-
 // Each adapter lets only calls with its own credential through, the second one those without.
 TEST(AdapterLoop, EndsAtTheFirstAdapterThatAnswers) {
   const std::pair<std::uint32_t, const char *> cases[] = {
@@ -58,14 +56,8 @@ TEST(LocalTable, KeepsNewContentThatCouldNotBeStored) {
 TEST(HostNames, AreStoredInBothFormsWithTheBytesOfEachWordReversed) {
   using namespace std::string_literals;
   const std::string digits = "0123456789012345678901234567890";
-  const struct {
-    std::string given;  // or else wideGiven
-    std::u16string wideGiven;
-    std::string stored;   // of the 8-bit block, the rest of which is zero
-    std::u16string wide;  // as read back
-  } cases[] = {
-      {"abcdefg", u"", "dcba\0gfe"s, u"abcdefg"},
-      {"", u"ab", "\0\0ba"s, u"ab"},
+  const std::tuple<std::string, std::u16string, std::string, std::u16string> cases[] = {
+      // given in 8 bits, or else in 16; the 8-bit block but for zeros, the 16-bit name as read back
       {digits, u"", "3210765410985432987632107654\0"s + "098", {digits.begin(), digits.end()}},
       {"\xE9t\xFF", u"", "\0\xFFt\xE9"s, u"\u00E9t\u00FF"},
       {"", u"\u00E9t\u0416x", "\0\0t\xE9"s, u"\u00E9t\u0416x"},
@@ -97,5 +89,3 @@ TEST(HostNames, AreStoredInBothFormsWithTheBytesOfEachWordReversed) {
   EXPECT_EQ(kvr::WriteHostNameA(a, "x"), KVR_ERR_REMOTE_ACCESS_FAILED);
   EXPECT_EQ(world.Calls(), "ReadSaTableHeader:A!") << "nothing is written over what is unknown";
 }
-
-}  // namespace

@@ -5,11 +5,21 @@
 
 namespace kvrtest {
 
+// A function, without KVR_, and what it is given: a group by its client, a host or a new name.
 struct Change {
-  std::string name;  // of the function, without KVR_
-  std::function<std::uint32_t()> run;
-  std::function<std::uint32_t()> again = run;  // how it is repeated once the hosts answer again
+  std::string function, group = {}, host = {};
+  std::uint32_t count = 0;
 };
+
+// The hosts whose tables set a flag at some slot.
+std::vector<std::string> Holders(const World &world, std::uint32_t flag);
+
+// What has changed in each table: roleFlags, serveFlags, the 8-bit name, and the keys, which should
+// be those of M.
+std::string News(const World &world, const fabric::ImageSet &before);
+
+// Calls the function. Where a backup MSC replaces an MSC or passes one over, that is lost for good.
+std::uint32_t Make(const World &world, const Change &change);
 
 // Makes a change as the host, whose process is running and has discovered, with faults, and again
 // without where it failed. Throws std::logic_error with what is broken:
@@ -22,8 +32,5 @@ struct Change {
 // Returns the number of outside calls that the change made.
 std::size_t Try(const World &world, const std::string &host, const Change &change,
                 const std::function<void(const World &)> &addFaults);
-
-// KVR_AssignNewMSC, where the MSC that a backup MSC replaces, or passes over, is lost for good.
-std::uint32_t AssignNewMsc(const World &world, KVR_SYSTEM system);
 
 }  // namespace kvrtest

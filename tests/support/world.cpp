@@ -1,22 +1,17 @@
 #include "support/world.h"
 
-#include <algorithm>
 #include <cstring>
-#include <ctime>
 #include <iterator>
 #include <sstream>
 
-#include "discovery/discovery.h"
-#include "discovery/initialization.h"
 #include "fabric/current.h"
 
 namespace kvrtest {
 namespace {
 
-std::string Small(const std::string &name) {
-  std::string small;
-  std::ranges::transform(name, std::back_inserter(small), [](char c) { return c | 0x20; });
-  return small;
+std::string Small(std::string name) {
+  for (char &letter : name) letter = static_cast<char>(letter | 0x20);
+  return name;
 }
 
 std::string NamesIn(const kvr::OrderedList *systems) {
@@ -44,10 +39,6 @@ std::string TreeOf(const kvr::OrderedList *groups, bool sorted, bool named) {
 
 }  // namespace
 
-std::uint32_t g_now = 1'000'000'000;
-
-extern "C" std::time_t __wrap_time(std::time_t *) { return g_now; }
-
 std::vector<std::string> Words(const std::string &text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};
@@ -73,16 +64,6 @@ SaTable MakeImage(const std::string &line) {
   return image;
 }
 
-void ResetLibrary() {
-  kvr::ReleaseLocalState();
-  kvr::g_apiInitialized = kvr::g_initResult = kvr::g_switchAccessEnabled = 0;
-  kvr::g_securityActive = kvr::g_isSecureClient = kvr::g_isMsc = kvr::g_isBackupMsc = 0;
-  kvr::g_localSaTable = {};
-  kvr::g_localIndex = -1;
-  kvr::g_discoveryCallback = nullptr;
-  kvr::g_discoveryContext = kvr::g_discoveryDone = kvr::g_discoveryActive = 0;
-}
-
 World::World(const std::vector<std::string> &lines, unsigned adapters, bool known) {
   fabric::Description description = {known, 100, {}, {}};
   for (std::uint8_t number = 0; number < lines.size(); ++number) {
@@ -106,7 +87,7 @@ void World::Use() const { fabric::SetCurrentNetwork(network_); }
 
 World::~World() {
   network_->StopAnnouncing();
-  ResetLibrary();
+  ForgetEverything();
   fabric::SetCurrentNetwork(nullptr);
 }
 
@@ -115,7 +96,7 @@ void World::Plant(const std::string &line) const {
 }
 
 std::uint32_t World::Start(const std::string &host) const {
-  ResetLibrary();
+  ForgetEverything();
   network_->SetLocalHost(host);
   return KVR_Initialize();
 }

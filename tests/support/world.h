@@ -7,6 +7,7 @@
 // s5" is passed over by discovery. Each name is also the UTF-16 name.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,6 +19,7 @@
 #include "kvrapi/kvrapi.h"
 
 #include "fabric/network.h"
+#include "library_walk.h"
 #include "model/group_record.h"
 #include "model/group_search.h"
 #include "model/local_state.h"
@@ -29,10 +31,8 @@ std::vector<std::string> Words(const std::string &text);
 bool Same(const SaTable &a, const SaTable &b);  // byte for byte
 SaTable MakeImage(const std::string &line);     // without keys
 
-// Lets go of everything that the library holds, and gives every variable its value at the load.
-void ResetLibrary();
-
-extern std::uint32_t g_now;  // the clock of a program that is linked with --wrap=time
+using fuzz::ForgetEverything;
+using fuzz::g_now;
 
 class World {
  public:
@@ -58,6 +58,24 @@ class World {
 // The record of a host, and the group of a client; null where there is none. "?": Offline Client.
 KVR_SYSTEM System(const std::string &host);
 KVR_GROUP Group(const std::string &client);
+
+template <class Handle>
+using ListOf = std::function<std::uint32_t(Handle *handles, std::uint32_t *count)>;
+
+// Expects a function to deliver all these, or the first ones that fit, and to refuse null pointers.
+template <class Handle>
+void ExpectFirstThatFit(const std::vector<Handle> &all, std::uint32_t moreCode,
+                        const ListOf<Handle> &list) {
+  for (std::uint32_t capacity = 0, count; capacity < all.size() + 2; ++capacity) {
+    const std::size_t fitting = std::min<std::size_t>(capacity, all.size());
+    std::vector<Handle> found(all.size() + 2), wanted(all.size() + 2);
+    std::copy_n(all.begin(), fitting, wanted.begin());
+    EXPECT_EQ(list(found.data(), &(count = capacity)), capacity < all.size() ? moreCode : KVR_OK);
+    EXPECT_TRUE(found == wanted && count == fitting) << capacity;
+    EXPECT_EQ(list(nullptr, &(count = 1)), KVR_ERR_INVALID_HANDLE);
+    EXPECT_EQ(list(found.data(), nullptr) + count, KVR_ERR_INVALID_HANDLE + 1);
+  }
+}
 
 // Creates a client's group, named after it in small letters, below another client's, or "".
 std::uint32_t Create(const std::string &parent, const std::string &client, std::uint32_t reserve);
