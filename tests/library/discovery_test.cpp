@@ -131,6 +131,23 @@ TEST(Discovery, WaitsForTheEndOfTheFormerOneWhenAskedRightAfterItsCallback) {
   EXPECT_EQ(KVR_GetAcgServerCount(), 1u);
 }
 
+// Events of former discoveries' cycles come at any moment of the next; none is waited for.
+TEST(Discovery, CompletesAmidEventsOfFormerOnes) {
+  const World world(kHosts);
+  world.As("M");
+  world->SetLogging(false);
+  std::atomic<bool> over = false;
+  std::thread former([&] {
+    while (!over) kvr::OnDiscoveryEvent(0, 0);
+  });
+  for (int round = 0; round < 20000; ++round) {
+    KVR_DiscoverServers(nullptr, 0);
+    EXPECT_EQ(KVR_GetAcgServerCount() + KVR_GetUnsecureServerCount(), 2u);
+  }
+  over = true;
+  former.join();
+}
+
 TEST(Discovery, AsksOnlyWhatTheRoleOfThisHostAllows) {
   const World world(kHosts);
   for (const auto &[host, calls] :

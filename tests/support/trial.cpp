@@ -34,12 +34,13 @@ const std::pair<unsigned, std::regex> kNamed[] = {
     // The first of two tables could not be restored.
     {kTables | kElsewhere, std::regex("ControlTable:(\\w) .*! WriteAccessControlTable:\\1!")},
     // The servers' tables are not restored when the client's could not be written.
-    {kTables | kModel, std::regex("^DeleteAsg 5019")},
+    {kTables | kModel, std::regex("^DeleteAsg 5019 .*WriteAccessControlTable:\\w!$")},
     // The group has gone, a server that failed keeps its grant.
     {kHarmful, std::regex("^DeleteAsg 5008")},
-    // So does a server that is the client or the pool host too: its older image is written last.
-    {kHarmful, std::regex("^DeleteAsg .*WriteAccessControlTable:(\\w) .*WriteAccessControlTable"
-                          ":\\1\\b")},
+    // So does a server that is the client or the pool host too: its older image is written last,
+    // unless a deletion that failed has cleared it before.
+    {kHarmful | kElsewhere, std::regex("^DeleteAsg .*ReadAccessControlTable:(\\w)\\b.*"
+                                       "ReadAccessControlTable:\\1\\b")},
     // What is done stays done; the tree and the role wait for the rest.
     {kTables | kModel, std::regex("^DeleteKVR 50(08|31)")},
     // Hosts are not restored for the others; the flag changes first.
