@@ -82,7 +82,8 @@ void Live(const std::vector<Step> &history, std::uint32_t kinds, bool faults) {
     if (change.function == "DeleteAsg" && IsMissed(world, away, group)) continue;
     if (change.function == "EnableSwitchAccess" && !world->Image(actor)) continue;
     // An MSC that a client lets serve passes that on to its backups with the next push.
-    if (change.function == "AddServerToAsg" && Holders(world, ACE_MSC)[0] == change.host) continue;
+    const bool isMsc = std::ranges::count(Holders(world, ACE_MSC), change.host) != 0;
+    if (change.function == "AddServerToAsg" && isMsc) continue;
     Try(world, actor, change, [&](const World &w) {
       if (faults && step.fault != 0) w->FailCall(step.fault);
       if (faults && step.fault != 0) w->FailCall(step.fault + step.second);
