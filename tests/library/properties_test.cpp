@@ -37,13 +37,17 @@ std::string Actor(const World &world, const Step &step) {
   return holders.empty() ? "A" : holders[step.group % holders.size()];
 }
 
-// Whether a host that is away serves a group's client, or has its slot from it: deleting the group
-// then leaves a grant behind, or gives the slot to another.
-bool IsMissed(const World &world, const std::string &away, const std::string &client) {
+// Whether a host out of sight, one that is away or the actor itself, serves a group's client or has
+// its slot from it: deleting the group then leaves a grant behind, or gives the slot to another.
+bool IsMissed(const World &world, const std::vector<std::string> &unseen,
+              const std::string &client) {
   KVR_GROUP group = Group(client);
-  if (away.empty() || group == nullptr || KVR_GetAsgClient(group) == nullptr) return false;
-  const SaTable table = world->Image(away).value_or(SaTable{});
-  return table.entries[group->client->saIndex].access.serveFlags != 0 ||
+  if (group == nullptr || KVR_GetAsgClient(group) == nullptr) return false;
+  const auto serves = [&](const std::string &host) {
+    const SaTable table = world->Image(host).value_or(SaTable{});
+    return table.entries[group->client->saIndex].access.serveFlags != 0;
+  };
+  return std::ranges::any_of(unseen, serves) ||
          (KVR_GetChildAsgCount(group) == 0 && KVR_GetUsedIndexCount(group) != 0);
 }
 
@@ -79,7 +83,7 @@ void Live(const std::vector<Step> &history, std::uint32_t kinds, bool faults) {
     if (world->Images().empty()) change.function = "CreateKVR";
     // The rest of a configuration, or a table without one, is not what this is about.
     if (change.function == "DeleteKVR" && (!away.empty() || step.count > 1)) continue;
-    if (change.function == "DeleteAsg" && IsMissed(world, away, group)) continue;
+    if (change.function == "DeleteAsg" && IsMissed(world, {away, actor}, group)) continue;
     if (change.function == "EnableSwitchAccess" && !world->Image(actor)) continue;
     // An MSC that a client lets serve passes that on to its backups with the next push.
     const bool isMsc = std::ranges::count(Holders(world, ACE_MSC), change.host) != 0;
