@@ -428,10 +428,11 @@ KVR_API uint32_t KVR_CreateAsgW(KVR_GROUP parent, const KVR_WCHAR *name, KVR_SYS
 /* Deletes a group: its servers serve the client no more, and its slots return to the pool they came
  * from. The handle becomes invalid; so does that of an Offline Client group whose last child it
  * was. Below an Offline Client group the pool is out of reach: there the slots stay taken.
- * Only what was discovered is looked at. A server that was not found, and this host where it is one,
- * keeps serving the slot, and so the next client that gets it; a client below that was not found keeps its slot, which returns to
- * the pool with the others (KVR_GetUsedIndexCount tells of such). A server that is also the group's
- * or the parent's client keeps serving the slot too: remove it from the group first.
+ * Only what was discovered is looked at. A server that was not found keeps serving the slot, as
+ * does this host where it is one, and so serves the next client that gets the slot; a client below
+ * that was not found keeps its slot, which returns to the pool with the others
+ * (KVR_GetUsedIndexCount tells of such). A server that is also the group's or the parent's client
+ * keeps serving the slot too: remove it from the group first.
  * Results: 0;
  *   5024  this host is a backup MSC
  *   5007  invalid handle
