@@ -44,6 +44,7 @@ bool IsMissed(const World &world, const std::vector<std::string> &unseen,
   KVR_GROUP group = Group(client);
   if (group == nullptr || KVR_GetAsgClient(group) == nullptr) return false;
   const auto serves = [&](const std::string &host) {
+    if (host.empty()) return false;
     const SaTable table = world->Image(host).value_or(SaTable{});
     return table.entries[group->client->saIndex].access.serveFlags != 0;
   };
