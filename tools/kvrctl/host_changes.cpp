@@ -115,4 +115,20 @@ Failure PartialFailure(const std::string &doing, const HostResults &results,
   return failure;
 }
 
+Json WithThisHost(Json done, bool here) {
+  if (here) done.push_back("this host");
+  return done;
+}
+
+void AddLocalFailure(Outcome &outcome, const std::vector<std::string> &retry) {
+  Failure failure("Storing this host's table", KVR_ERR_LOCAL_WRITE_FAILED);
+  if (outcome.failure) {
+    outcome.notes.push_back(failure.message);
+    return;
+  }
+  failure.status = ExitStatus::Partial;
+  AddRetry(failure, retry);
+  outcome.failure = failure;
+}
+
 }  // namespace kvrctl

@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <vector>
 
+#include "failure.h"
 #include "library.h"
 #include "show.h"
 
@@ -29,5 +31,10 @@ Json ReadLocalSlot();
 
 // Whether this host's stored table has switch access on; none where its adapter does not answer.
 std::optional<bool> ReadLocalSwitchAccess();
+
+// Whether this host's stored table has the keys of a host of the ACG that is not among the failed:
+// false where this host's adapter does not answer, none where no such host does.
+std::optional<bool> SharesKeys(const std::vector<Host> &hosts,
+                               const std::vector<HostFailure> &failed);
 
 }  // namespace kvrctl
