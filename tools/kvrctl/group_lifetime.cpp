@@ -9,6 +9,7 @@
 #include "group_changes.h"
 #include "host_changes.h"
 #include "library.h"
+#include "slot_reader.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -61,8 +62,8 @@ void AddServersTo(Outcome &outcome, KVR_GROUP group, const std::string &path,
 
 // A reserved slot that is in use below a group without children is held by a host that was not
 // found, or by nobody since a deletion that stopped halfway. The library would give it to another.
-void RequireNoLostChildren(const std::string &doing, const Group &group) {
-  const std::uint32_t used = KVR_GetUsedIndexCount(group.handle);
+void RequireNoLostChildren(const std::string &doing, const Library &library, const Group &group) {
+  const std::uint32_t used = CountSlotsBelow(library, group).used;
   if (used == 0) return;
   throw Failure(
       ExitStatus::Refused, "LOST_CHILDREN",
@@ -136,7 +137,7 @@ Outcome DeleteGroup(const std::string &path, bool force) {
   std::vector<std::string> retry = {"kvrctl", "group", "delete", path};
   if (force) retry.emplace_back("--force");
   RequireDeletable(doing, group);
-  if (!force) RequireNoLostChildren(doing, group);
+  if (!force) RequireNoLostChildren(doing, library, group);
   const HostResults servers = ChangeEach(group.servers, [&group](KVR_SYSTEM system) {
     return KVR_RemoveServerFromAsg(group.handle, system);
   });

@@ -192,6 +192,22 @@ Json SlotOf(const Slots &slots, const Host *host) {
   return found == slots.end() ? Json() : Json(found->second);
 }
 
+SlotCount CountSlots(KVR_GROUP group) {
+  return {KVR_GetFreeIndexCount(group), KVR_GetUsedIndexCount(group)};
+}
+
+SlotCount CountSlotsBelow(const Library &library, const Group &group) {
+  const std::string doing = "Counting the slots under " + group.path;
+  if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
+  SlotCount count = CountSlots(group.handle);
+  if (count.free + count.used > 0) return count;
+  if (SlotOf(ReadSlots(library.Hosts()), group.client).is_null()) {
+    throw Failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
+  }
+  // The table can be read, though perhaps it could not at the time of the count.
+  return CountSlots(group.handle);
+}
+
 Json ReadLocalSlot() {
   const auto table = ReadLocalTable();
   if (table == nullptr) return {};
