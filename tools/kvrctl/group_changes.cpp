@@ -84,6 +84,13 @@ Outcome RemoveServers(const std::string &path, const std::vector<std::string> &h
   });
 }
 
+void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name) {
+  if (StoredName(client) == name) return;
+  outcome.notes.push_back(
+      fmt::format("The group's name could not be stored in its client's table. To set it: `{}`.",
+                  CommandText({"kvrctl", "group", "rename", ClientPath(client.name), name})));
+}
+
 std::string ReducedNote(std::uint32_t granted, std::uint32_t asked) {
   const ResultText &why = TextOf(KVR_ERR_RESERVED_COUNT_REDUCED);
   return fmt::format("{} {}: {}: {} of {}. {}", why.code, why.name, why.meaning, granted, asked,
@@ -120,10 +127,8 @@ Outcome SetClient(const std::string &path, const std::string &host) {
       std::nullopt};
   if (same) {
     outcome.notes.emplace_back("It was the client already, so nothing was written.");
-  } else if (StoredName(client) != group.name) {
-    outcome.notes.push_back(fmt::format(
-        "The group's name could not be moved to its new client. To set it: `{}`.",
-        CommandText({"kvrctl", "group", "rename", ClientPath(client.name), group.name})));
+  } else {
+    NoteUnstoredName(outcome, client, group.name);
   }
   return outcome;
 }

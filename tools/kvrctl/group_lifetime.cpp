@@ -127,6 +127,7 @@ Outcome CreateGroup(const GroupRequest &request) {
   if (!servers.empty()) {
     AddServersTo(outcome, place.created, UniquePath(library, shownPath, client), servers);
   }
+  NoteUnstoredName(outcome, client, name);
   return outcome;
 }
 
