@@ -53,6 +53,7 @@ Outcome RenameGroup(const std::string &path, const std::string &name) {
   if (StoredName(*group.client) != name) {
     Failure failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
     failure.failedHosts = {{group.client->name, KVR_ERR_REMOTE_ACCESS_FAILED}};
+    AddRetry(failure, {"kvrctl", "group", "rename", path, name});
     throw failure;
   }
   const std::string newPath = PathBeside(library, group, name);
