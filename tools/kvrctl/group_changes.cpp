@@ -16,13 +16,8 @@ namespace {
 
 // The path of the group called name in the place of this one.
 std::string PathBeside(const Library &library, const Group &group, const std::string &name) {
-  std::string parentPath;
-  ForEachGroup(library.Groups(), [&](const Group &parent) {
-    for (const Group &child : parent.children) {
-      if (&child == &group) parentPath = parent.path;
-    }
-  });
-  return JoinPath(parentPath, name);
+  const Group *parent = ParentOf(library, group);
+  return JoinPath(parent == nullptr ? "" : parent->path, name);
 }
 
 // The name that a client's table holds, or none where the client is no more found. The library does

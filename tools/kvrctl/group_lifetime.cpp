@@ -68,16 +68,25 @@ void RequireNoLostChildren(const std::string &doing, const Library &library, con
   throw Failure(
       ExitStatus::Refused, "LOST_CHILDREN",
       fmt::format("{} was not tried: slots of its reserve are in use by hosts that were not "
-                  "found ({}).",
+                  "found, or were left behind by a deletion ({}).",
                   doing, used),
-      "Bring these hosts back into reach and delete their groups first. Where they are "
-      "gone for good, --force deletes the group, and their slots go to others.");
+      "Bring hosts that are missing back into reach and delete their groups first. Where none is "
+      "missing, or they are gone for good, --force deletes the group, and the slots go to others.");
 }
 
 void RequireDeletable(const std::string &doing, const Group &group) {
   if (KVR_IsBackupMSC() != 0) throw Failure(doing, KVR_ERR_IS_BACKUP_MSC);
   if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
   if (!group.children.empty()) throw Failure(doing, KVR_ERR_HAS_CHILD_GROUPS);
+}
+
+// What a deletion leaves behind: the library cannot give slots back to a client that was not found.
+std::vector<std::string> NotesOnDeletion(const Library &library, const Group &group) {
+  const Group *parent = ParentOf(library, group);
+  if (parent == nullptr || !parent->offline) return {};
+  return {
+      "The group's slots stay taken in the reserve of the client that was not found, until its "
+      "own group is deleted with --force."};
 }
 
 // The failure of a deletion that the library answered with code, its servers being out before.
@@ -159,7 +168,7 @@ Outcome DeleteGroup(const std::string &path, bool force) {
   return {{{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
           Line("Group {} {}. Removed from its servers: {}.", group.path,
                deleted ? "is deleted" : "stays", ShownList(servers.done)),
-          {},
+          deleted ? NotesOnDeletion(library, group) : std::vector<std::string>{},
           failure};
 }
 

@@ -230,6 +230,16 @@ void RequireConfiguration(const std::string &doing) {
   Require(doing, KVR_SecurityState());
 }
 
+const Group *ParentOf(const Library &library, const Group &group) {
+  const Group *parent = nullptr;
+  ForEachGroup(library.Groups(), [&](const Group &candidate) {
+    for (const Group &child : candidate.children) {
+      if (&child == &group) parent = &candidate;
+    }
+  });
+  return parent;
+}
+
 Json NamesOf(const std::vector<const Host *> &hosts) {
   Json names = Json::array();
   for (const Host *host : hosts)

@@ -93,6 +93,9 @@ void ForEachGroup(const std::vector<Group> &groups, const Visit &visit) {
   }
 }
 
+// The group right above this one of the library's, or null at the top level.
+const Group *ParentOf(const Library &library, const Group &group);
+
 // The hosts' names, in their order.
 Json NamesOf(const std::vector<const Host *> &hosts);
 
