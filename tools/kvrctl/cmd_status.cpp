@@ -46,7 +46,7 @@ Outcome ShowSlots(const std::string &path) {
           group == nullptr
               ? Line("At the top level {} free, {} used.", count.free, count.used)
               : Line("Under {} {} free, {} used.", group->path, count.free, count.used),
-          {},
+          library.GroupNotes(),
           std::nullopt};
 }
 

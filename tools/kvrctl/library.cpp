@@ -226,6 +226,13 @@ std::vector<std::string> Library::Notes() const {
   return {"Hosts outside the ACG are seen only on the MSC."};
 }
 
+std::vector<std::string> Library::GroupNotes() const {
+  if (KVR_SecurityState() != KVR_OK || KVR_IsSecureClient() != 0) return {};
+  return {
+      "A host that holds no slot does not learn of slots, clients, groups and backup MSCs; ask "
+      "on the MSC."};
+}
+
 void RequireConfiguration(const std::string &doing) {
   Require(doing, KVR_SecurityState());
 }

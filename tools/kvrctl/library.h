@@ -49,6 +49,9 @@ class Library {
   // What a reader of its host lists and counts must know; mostly nothing.
   std::vector<std::string> Notes() const;
 
+  // What a reader of its slots, clients and groups must know; mostly nothing.
+  std::vector<std::string> GroupNotes() const;
+
   // Throws Failure (5000) where the hosts outside the ACG are withheld from this host, so that one
   // of them cannot be named.
   void RequireAllHosts(const std::string &doing) const;
