@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include <fmt/format.h>
 
@@ -161,6 +162,11 @@ const Host &Library::HostNamed(const std::string &name) const {
     candidates.push_back(host.wideName.empty() ? host.name
                                                : fmt::format("{} ({})", host.name, host.wideName));
   }
+  // A name that another host has in the other form only must not hide the host that it stands for.
+  std::vector<const Host *> exact;
+  std::copy_if(found.begin(), found.end(), std::back_inserter(exact),
+               [&name](const Host *host) { return host->name == name; });
+  if (exact.size() == 1) return *exact.front();
   if (found.size() == 1) return *found.front();
   if (found.size() > 1) {
     throw Failure(ExitStatus::Usage, "AMBIGUOUS_HOST",

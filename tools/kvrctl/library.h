@@ -56,8 +56,8 @@ class Library {
   // of them cannot be named.
   void RequireAllHosts(const std::string &doing) const;
 
-  // The host that a user calls by its 8-bit or its UTF-16 name. Throws Failure when there is none,
-  // or more than one.
+  // The host that a user calls by its 8-bit name, or by its UTF-16 name where no host or several
+  // have it as their 8-bit one. Throws Failure when there is none, or more than one.
   const Host &HostNamed(const std::string &name) const;
 
   // The hosts called so, in the order of the names. Throws Failure as HostNamed.
