@@ -38,6 +38,16 @@ std::uint32_t Rename(KVR_GROUP group, const std::string &name) {
   return KVR_RenameAsgW(group, WideNameOf(name).c_str());
 }
 
+// Nobody is seen to serve a parent that stands for a missing client, so no host fits there.
+void RequireHanded(const std::string &doing, std::uint32_t code, const Group *parent) {
+  if (code == KVR_OK) return;
+  Failure failure(doing, code);
+  if (code == KVR_ERR_INVALID_HANDLE && parent != nullptr && parent->offline) {
+    failure.hint = TextOf(KVR_ERR_OFFLINE_GROUP).hint;
+  }
+  throw failure;
+}
+
 }  // namespace
 
 Outcome RenameGroup(const std::string &path, const std::string &name) {
@@ -112,8 +122,8 @@ Outcome SetClient(const std::string &path, const std::string &host) {
   const Library library;
   const Group &group = library.GroupAt(SplitPath(path));
   const Host &client = library.HostNamed(host);
-  Require("Handing group " + group.path + " to " + client.name,
-          KVR_AssignNewClient(group.handle, client.handle));
+  RequireHanded("Handing group " + group.path + " to " + client.name,
+                KVR_AssignNewClient(group.handle, client.handle), ParentOf(library, group));
   const bool same = group.client == &client;
   Outcome outcome = {
       {{"path", group.path}, {"client", client.name}, {"former_client", ClientOf(group)}},

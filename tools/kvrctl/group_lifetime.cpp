@@ -42,6 +42,17 @@ std::uint32_t Create(Place &place, const std::string &name, std::uint32_t *reser
                         &place.created);
 }
 
+// At the top level there is no parent whose reserve could grow.
+Failure CreationFailure(const std::string &doing, std::uint32_t code, bool top) {
+  Failure failure(doing, code);
+  if (code == KVR_ERR_NO_FREE_INDEX && top) {
+    failure.hint =
+        "Look with `kvrctl slots`; shrink another group's reserve with `kvrctl group "
+        "set-reserve`, or delete a group.";
+  }
+  return failure;
+}
+
 // The path by which a group just made is found again, where another may have the same one.
 std::string UniquePath(const Library &library, const std::string &path, const Host &client) {
   bool taken = false;
@@ -123,7 +134,7 @@ Outcome CreateGroup(const GroupRequest &request) {
   std::uint32_t granted = request.reserve;
   const std::uint32_t code = Create(place, name, &granted);
   const bool reduced = code == KVR_ERR_RESERVED_COUNT_REDUCED;
-  if (!reduced) Require("Creating group " + shownPath, code);
+  if (code != KVR_OK && !reduced) throw CreationFailure("Creating group " + shownPath, code, top);
   Outcome outcome = {{{"path", shownPath},
                       {"client", client.name},
                       {"asked", request.reserve},
