@@ -58,7 +58,7 @@ Outcome RenameGroup(const std::string &path, const std::string &name) {
   if (StoredName(*group.client) != name) {
     Failure failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
     failure.failedHosts = {{group.client->name, KVR_ERR_REMOTE_ACCESS_FAILED}};
-    AddRetry(failure, {"kvrctl", "group", "rename", path, name});
+    AddRetry(failure, Naming({"kvrctl", "group", "rename"}, {path, name}));
     throw failure;
   }
   const std::string newPath = PathBeside(library, group, name);
@@ -73,7 +73,7 @@ Outcome AddServers(const std::string &path, const std::vector<std::string> &host
   const Group &group = library.GroupAt(SplitPath(path));
   const Wording wording{"Adding to the servers of " + group.path,
                         "Added to the servers of " + group.path,
-                        {"kvrctl", "group", "add-server", path}};
+                        Naming({"kvrctl", "group", "add-server"}, {path})};
   return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
     return KVR_AddServerToAsg(group.handle, system);
   });
@@ -84,7 +84,7 @@ Outcome RemoveServers(const std::string &path, const std::vector<std::string> &h
   const Group &group = library.GroupAt(SplitPath(path));
   const Wording wording{"Removing from the servers of " + group.path,
                         "Removed from the servers of " + group.path,
-                        {"kvrctl", "group", "remove-server", path}};
+                        Naming({"kvrctl", "group", "remove-server"}, {path})};
   return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
     return KVR_RemoveServerFromAsg(group.handle, system);
   });
@@ -92,9 +92,9 @@ Outcome RemoveServers(const std::string &path, const std::vector<std::string> &h
 
 void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name) {
   if (StoredName(client) == name) return;
-  outcome.notes.push_back(
-      fmt::format("The group's name could not be stored in its client's table. To set it: `{}`.",
-                  CommandText({"kvrctl", "group", "rename", ClientPath(client.name), name})));
+  outcome.notes.push_back(fmt::format(
+      "The group's name could not be stored in its client's table. To set it: `{}`.",
+      CommandText(Naming({"kvrctl", "group", "rename"}, {ClientPath(client.name), name}))));
 }
 
 std::string ReducedNote(std::uint32_t granted, std::uint32_t asked) {

@@ -1,6 +1,7 @@
 #include "group_lifetime.h"
 
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -67,8 +68,9 @@ void AddServersTo(Outcome &outcome, KVR_GROUP group, const std::string &path,
   outcome.result["done"] = results.done;
   outcome.text += Line("Added to the servers of {}: {}.", path, ShownList(results.done));
   if (results.failed.empty()) return;
-  outcome.failure = PartialFailure("Adding to the servers of " + path, results,
-                                   NamingFailed({"kvrctl", "group", "add-server", path}, results));
+  outcome.failure =
+      PartialFailure("Adding to the servers of " + path, results,
+                     NamingFailed(Naming({"kvrctl", "group", "add-server"}, {path}), results));
 }
 
 // A reserved slot that is in use below a group without children is held by a host that was not
@@ -155,8 +157,9 @@ Outcome DeleteGroup(const std::string &path, bool force) {
   const Library library;
   const Group &group = library.GroupAt(SplitPath(path));
   const std::string doing = "Deleting group " + group.path;
-  std::vector<std::string> retry = {"kvrctl", "group", "delete", path};
+  std::vector<std::string> retry = {"kvrctl", "group", "delete"};
   if (force) retry.emplace_back("--force");
+  retry = Naming(std::move(retry), {path});
   RequireDeletable(doing, group);
   if (!force) RequireNoLostChildren(doing, library, group);
   const HostResults servers = ChangeEach(group.servers, [&group](KVR_SYSTEM system) {

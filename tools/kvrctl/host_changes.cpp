@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -91,10 +92,11 @@ void AddRetry(Failure &failure, const std::vector<std::string> &command) {
 
 std::vector<std::string> NamingFailed(std::vector<std::string> command,
                                       const HostResults &results) {
+  std::vector<std::string> open;
   for (const HostFailure &failed : results.failed) {
-    if (!IsSettled(failed)) command.push_back(failed.host);
+    if (!IsSettled(failed)) open.push_back(failed.host);
   }
-  return command;
+  return Naming(std::move(command), open);
 }
 
 Failure PartialFailure(const std::string &doing, const HostResults &results,
