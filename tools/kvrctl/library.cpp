@@ -189,8 +189,10 @@ const Host &Library::HostNamed(const std::string &name) const {
 
 std::vector<const Host *> Library::HostsNamed(const std::vector<std::string> &names) const {
   std::vector<const Host *> hosts;
-  for (const std::string &name : names)
-    hosts.push_back(&HostNamed(name));
+  for (const std::string &name : names) {
+    const Host *host = &HostNamed(name);
+    if (std::find(hosts.begin(), hosts.end(), host) == hosts.end()) hosts.push_back(host);
+  }
   return hosts;
 }
 
@@ -240,7 +242,11 @@ std::vector<std::string> Library::GroupNotes() const {
 }
 
 void RequireConfiguration(const std::string &doing) {
-  Require(doing, KVR_SecurityState());
+  const std::uint32_t code = KVR_SecurityState();
+  if (code == KVR_OK) return;
+  Failure failure(doing, code);
+  failure.hint = "Run the command on a host of the configuration; `kvrctl status` shows a role.";
+  throw failure;
 }
 
 const Group *ParentOf(const Library &library, const Group &group) {
