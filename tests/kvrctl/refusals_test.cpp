@@ -28,14 +28,14 @@ class Refusals : public FabricFolder {
 
 TEST_F(Refusals, NameTheCauseThePlaceAndTheWayOut) {
   Describe(6);
-  network.hosts[4].wideName = u"h6";
+  network.hosts[4].wideName = network.hosts[5].wideName = u"twin";
   Save();
   ASSERT_TRUE(RunAll({"create", "acg add h2 h3 h4", "group create a\\/b --client h2",
                       "group create a\\/b --client h3"}));
   for (const Refusal &refusal : std::vector<Refusal>{
            {"h1", "acg nonsense", 2, "USAGE", "'nonsense'"},
            {"h1", "acg add tree", 2, "NO_SUCH_HOST", "'tree'"},
-           {"h1", "acg add h6", 2, "AMBIGUOUS_HOST", "h5 (h6)"},
+           {"h1", "acg add twin", 2, "AMBIGUOUS_HOST", "h5 (twin)"},
            {"h1", "acg add h1", 2, "NO_SUCH_HOST", "this host itself"},
            {"h1", "group show a\\/b", 2, "AMBIGUOUS_GROUP", "@h2"},
            {"h1", "group create a/b --client h4", 2, "NO_SUCH_GROUP", "'a'"},
@@ -54,7 +54,7 @@ TEST_F(Refusals, NameTheCauseThePlaceAndTheWayOut) {
            {"h1", "backup add h2", 3, "KVR_ERR_SYSTEM_IS_CLIENT", "`kvrctl backup add h2`"},
            {"h1", "group rename @h2 " + std::string(32, 'x'), 3, "KVR_ERR_INVALID_NAME", "5015"},
            {"h1", "group set-client @h2 h3", 3, "KVR_ERR_ALREADY_CLIENT", "hosts"},
-           {"h1", "group set-client @h2 h6", 2, "AMBIGUOUS_HOST", "h5 (h6)"},
+           {"h1", "group set-client @h2 twin", 2, "AMBIGUOUS_HOST", "h5 (twin)"},
            {"h1", "group remove-server @h2 h4", 3, "KVR_ERR_NOT_ASG_SERVER", "Nothing"},
            {"h6", "renew-keys", 3, "KVR_ERR_NOT_SECURED", "5004"},
            {"h6", "switch-access on", 3, "KVR_ERR_NOT_SECURED", "5004"},

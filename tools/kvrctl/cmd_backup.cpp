@@ -9,12 +9,9 @@ namespace kvrctl {
 namespace {
 
 // What keeps a backup MSC off the list.
-std::vector<std::string> NotesOnBackups() {
+std::vector<std::string> NotesOnBackups(const Library &library) {
   if (KVR_IsBackupMSC() != 0) return {"This host is a backup MSC itself."};
-  if (KVR_SecurityState() == KVR_OK && KVR_IsSecureClient() == 0) {
-    return {"A host that holds no slot does not learn who is a backup MSC; ask on the MSC."};
-  }
-  return {};
+  return library.GroupNotes();
 }
 
 Outcome ListBackups() {
@@ -24,7 +21,7 @@ Outcome ListBackups() {
     if (host.backupMsc) backups.push_back(&host);
   }
   const Json rows = RowsOf(backups);
-  return {rows, HostTable(rows, "No backup MSC is seen."), NotesOnBackups(), std::nullopt};
+  return {rows, HostTable(rows, "No backup MSC is seen."), NotesOnBackups(library), std::nullopt};
 }
 
 }  // namespace

@@ -22,6 +22,7 @@ Outcome Create() {
 Outcome Destroy() {
   constexpr char kDoing[] = "Deleting the configuration";
   const Library library;
+  RequireConfiguration(kDoing);
   const std::uint32_t code = KVR_DeleteKVR();
   if (code != KVR_ERR_SERVERS_FAILED && code != KVR_ERR_LOCAL_REMOVE_FAILED) Require(kDoing, code);
   const HostResults results = ResultsInAcg(library, code);

@@ -105,6 +105,9 @@ void AddFabricCommands(CLI::App &app, Chosen &chosen) {
       ->required()
       ->check(CLI::Range(std::uint32_t{1}, kMaxHosts));
   made->add_option("--seed", asked->seed, "The same seed makes the same fabric")
+      ->check([](const std::string &text) {
+        return text.find('-') == std::string::npos ? "" : text + " is below 0";
+      })
       ->capture_default_str();
 
   AddCommand(*fabric, "show", "List the fabric's hosts", chosen, ShowFabric);

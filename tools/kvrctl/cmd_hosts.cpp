@@ -1,5 +1,6 @@
 // `kvrctl hosts`: every host that this one sees, and its part in the configuration.
 #include <algorithm>
+#include <utility>
 
 #include "command.h"
 #include "library.h"
@@ -36,7 +37,10 @@ Outcome ShowHosts() {
       {"name", "HOST"},    {"wide_name", "UTF-16 NAME"}, {"in_acg", "IN ACG"},
       {"slot", "SLOT"},    {"backup_msc", "BACKUP MSC"}, {"client_of", "CLIENT OF"},
       {"serves", "SERVES"}};
-  return {rows, Table(rows, columns, "No other host is seen."), library.Notes(), std::nullopt};
+  std::vector<std::string> notes = library.Notes();
+  for (std::string &note : library.GroupNotes())
+    notes.push_back(std::move(note));
+  return {rows, Table(rows, columns, "No other host is seen."), std::move(notes), std::nullopt};
 }
 
 }  // namespace

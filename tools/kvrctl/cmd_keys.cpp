@@ -1,35 +1,44 @@
 // `kvrctl renew-keys` and `kvrctl sync`: what every host is asked for without a change of who may
 // reach whom.
+#include <optional>
+
 #include "kvrapi/kvrapi.h"
 
 #include "command.h"
 #include "host_changes.h"
 #include "library.h"
+#include "slot_reader.h"
 
 namespace kvrctl {
 namespace {
 
-// Where no host takes the new keys, the library drops them.
-std::vector<std::string> NotesOn(const HostResults &results) {
-  if (!results.done.empty()) return {};
+// here: whether this host has the new keys, where that is known. Where no host takes them, the
+// library drops them.
+std::vector<std::string> NotesOn(const HostResults &results, std::optional<bool> here) {
+  if (!results.done.empty() && here) return {};
+  if (!results.done.empty()) return {"Whether this host's table took them could not be checked."};
   if (results.failed.empty()) return {"No other host is in the ACG, so nothing was written."};
   return {"No host took the new keys, so the old ones stay everywhere."};
 }
 
 Outcome RenewKeys() {
   constexpr char kDoing[] = "Renewing the keys";
+  const std::vector<std::string> retry = {"kvrctl", "renew-keys"};
   const Library library;
   RequireConfiguration(kDoing);
   const std::uint32_t code = KVR_GenerateNewKeys();
   if (code != KVR_ERR_SERVERS_FAILED) Require(kDoing, code);
   const HostResults results = ResultsInAcg(library, code);
-  Outcome outcome = {{{"done", results.done}},
-                     Line("New keys on: {}.", ShownList(results.done)),
-                     NotesOn(results),
+  // The library does not tell whether this host's adapter took its table. Keys made within one
+  // second are the same, so the table is held against another's, not against what it was.
+  const std::optional<bool> here =
+      results.done.empty() ? false : SharesKeys(library.Hosts(), results.failed);
+  Outcome outcome = {{{"done", results.done}, {"here", here ? Json(*here) : Json()}},
+                     Line("New keys on: {}.", ShownList(WithThisHost(results.done, here == true))),
+                     NotesOn(results, here),
                      std::nullopt};
-  if (code != KVR_OK) {
-    outcome.failure = PartialFailure(kDoing, results, {"kvrctl", "renew-keys"});
-  }
+  if (code != KVR_OK) outcome.failure = PartialFailure(kDoing, results, retry);
+  if (!results.done.empty() && here == false) AddLocalFailure(outcome, retry);
   return outcome;
 }
 

@@ -36,28 +36,18 @@ Outcome ShowStatus() {
   return {status, Sheet(status, lines), library.Notes(), std::nullopt};
 }
 
-// A pool without a single slot may be one that could not be read: the library answers 0 for both.
-void RequireReadablePool(const Library &library, const Group &group) {
-  const std::string doing = "Counting the slots under " + group.path;
-  if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
-  if (SlotOf(ReadSlots(library.Hosts()), group.client).is_null()) {
-    throw Failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED);
-  }
-}
-
 Outcome ShowSlots(const std::string &path) {
   const Library library;
   const Group *group = path.empty() ? nullptr : &library.GroupAt(SplitPath(path));
-  KVR_GROUP handle = group == nullptr ? nullptr : group->handle;
-  const std::uint32_t free = KVR_GetFreeIndexCount(handle);
-  const std::uint32_t used = KVR_GetUsedIndexCount(handle);
-  if (group != nullptr && free + used == 0) RequireReadablePool(library, *group);
-  return {
-      {{"group", group == nullptr ? Json() : Json(group->path)}, {"free", free}, {"used", used}},
-      group == nullptr ? Line("At the top level {} free, {} used.", free, used)
-                       : Line("Under {} {} free, {} used.", group->path, free, used),
-      {},
-      std::nullopt};
+  const SlotCount count = group == nullptr ? CountSlots(nullptr) : CountSlotsBelow(library, *group);
+  return {{{"group", group == nullptr ? Json() : Json(group->path)},
+           {"free", count.free},
+           {"used", count.used}},
+          group == nullptr
+              ? Line("At the top level {} free, {} used.", count.free, count.used)
+              : Line("Under {} {} free, {} used.", group->path, count.free, count.used),
+          library.GroupNotes(),
+          std::nullopt};
 }
 
 }  // namespace

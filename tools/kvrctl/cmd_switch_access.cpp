@@ -42,7 +42,7 @@ Outcome SwitchAccess(const SwitchRequest &request) {
   // The stored value changes nothing, and tells whether this host may.
   Require(doing, KVR_EnableSwitchAccess(stored));
   if ((stored != 0) == on && !request.again) {
-    return {{{"enabled", on}, {"written", false}, {"done", Json::array()}},
+    return {{{"enabled", on}, {"written", false}, {"done", Json::array()}, {"here", false}},
             Line("Switch access is {}.", request.state),
             {fmt::format("It was {} already, so nothing was written; `{}` writes it to every host "
                          "once more.",
@@ -54,20 +54,14 @@ Outcome SwitchAccess(const SwitchRequest &request) {
   const HostResults results = ResultsInAcg(library, code);
   // The library does not tell whether this host's adapter took its table.
   const bool storedHere = ReadLocalSwitchAccess() == on;
-  Json written = results.done;
-  if (storedHere) written.push_back("this host");
   Outcome outcome = {
-      {{"enabled", on}, {"written", true}, {"done", results.done}},
-      Line("Switch access is {}. Written to: {}.", request.state, ShownList(written)),
+      {{"enabled", on}, {"written", true}, {"done", results.done}, {"here", storedHere}},
+      Line("Switch access is {}. Written to: {}.", request.state,
+           ShownList(WithThisHost(results.done, storedHere))),
       {},
       std::nullopt};
-  if (code != KVR_OK) {
-    outcome.failure = PartialFailure(doing, results, Again(request.state));
-  } else if (!storedHere) {
-    outcome.failure = Failure("Storing this host's table", KVR_ERR_LOCAL_WRITE_FAILED);
-    outcome.failure->status = ExitStatus::Partial;
-    AddRetry(*outcome.failure, Again(request.state));
-  }
+  if (code != KVR_OK) outcome.failure = PartialFailure(doing, results, Again(request.state));
+  if (!storedHere) AddLocalFailure(outcome, Again(request.state));
   return outcome;
 }
 

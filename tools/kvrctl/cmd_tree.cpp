@@ -49,7 +49,7 @@ std::string Drawn(const Json &tree) {
 Outcome ShowTree() {
   const Library library;
   const Json tree = NodesOf(library.Groups(), ReadSlots(library.Hosts()));
-  return {tree, Drawn(tree), {}, std::nullopt};
+  return {tree, Drawn(tree), library.GroupNotes(), std::nullopt};
 }
 
 }  // namespace

@@ -16,13 +16,8 @@ namespace {
 
 // The path of the group called name in the place of this one.
 std::string PathBeside(const Library &library, const Group &group, const std::string &name) {
-  std::string parentPath;
-  ForEachGroup(library.Groups(), [&](const Group &parent) {
-    for (const Group &child : parent.children) {
-      if (&child == &group) parentPath = parent.path;
-    }
-  });
-  return JoinPath(parentPath, name);
+  const Group *parent = ParentOf(library, group);
+  return JoinPath(parent == nullptr ? "" : parent->path, name);
 }
 
 // The name that a client's table holds, or none where the client is no more found. The library does
@@ -43,6 +38,16 @@ std::uint32_t Rename(KVR_GROUP group, const std::string &name) {
   return KVR_RenameAsgW(group, WideNameOf(name).c_str());
 }
 
+// Nobody is seen to serve a parent that stands for a missing client, so no host fits there.
+void RequireHanded(const std::string &doing, std::uint32_t code, const Group *parent) {
+  if (code == KVR_OK) return;
+  Failure failure(doing, code);
+  if (code == KVR_ERR_INVALID_HANDLE && parent != nullptr && parent->offline) {
+    failure.hint = TextOf(KVR_ERR_OFFLINE_GROUP).hint;
+  }
+  throw failure;
+}
+
 }  // namespace
 
 Outcome RenameGroup(const std::string &path, const std::string &name) {
@@ -53,6 +58,7 @@ Outcome RenameGroup(const std::string &path, const std::string &name) {
   if (StoredName(*group.client) != name) {
     Failure failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
     failure.failedHosts = {{group.client->name, KVR_ERR_REMOTE_ACCESS_FAILED}};
+    AddRetry(failure, Naming({"kvrctl", "group", "rename"}, {path, name}));
     throw failure;
   }
   const std::string newPath = PathBeside(library, group, name);
@@ -67,7 +73,7 @@ Outcome AddServers(const std::string &path, const std::vector<std::string> &host
   const Group &group = library.GroupAt(SplitPath(path));
   const Wording wording{"Adding to the servers of " + group.path,
                         "Added to the servers of " + group.path,
-                        {"kvrctl", "group", "add-server", path}};
+                        Naming({"kvrctl", "group", "add-server"}, {path})};
   return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
     return KVR_AddServerToAsg(group.handle, system);
   });
@@ -78,10 +84,17 @@ Outcome RemoveServers(const std::string &path, const std::vector<std::string> &h
   const Group &group = library.GroupAt(SplitPath(path));
   const Wording wording{"Removing from the servers of " + group.path,
                         "Removed from the servers of " + group.path,
-                        {"kvrctl", "group", "remove-server", path}};
+                        Naming({"kvrctl", "group", "remove-server"}, {path})};
   return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
     return KVR_RemoveServerFromAsg(group.handle, system);
   });
+}
+
+void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name) {
+  if (StoredName(client) == name) return;
+  outcome.notes.push_back(fmt::format(
+      "The group's name could not be stored in its client's table. To set it: `{}`.",
+      CommandText(Naming({"kvrctl", "group", "rename"}, {ClientPath(client.name), name}))));
 }
 
 std::string ReducedNote(std::uint32_t granted, std::uint32_t asked) {
@@ -109,8 +122,8 @@ Outcome SetClient(const std::string &path, const std::string &host) {
   const Library library;
   const Group &group = library.GroupAt(SplitPath(path));
   const Host &client = library.HostNamed(host);
-  Require("Handing group " + group.path + " to " + client.name,
-          KVR_AssignNewClient(group.handle, client.handle));
+  RequireHanded("Handing group " + group.path + " to " + client.name,
+                KVR_AssignNewClient(group.handle, client.handle), ParentOf(library, group));
   const bool same = group.client == &client;
   Outcome outcome = {
       {{"path", group.path}, {"client", client.name}, {"former_client", ClientOf(group)}},
@@ -120,10 +133,8 @@ Outcome SetClient(const std::string &path, const std::string &host) {
       std::nullopt};
   if (same) {
     outcome.notes.emplace_back("It was the client already, so nothing was written.");
-  } else if (StoredName(client) != group.name) {
-    outcome.notes.push_back(fmt::format(
-        "The group's name could not be moved to its new client. To set it: `{}`.",
-        CommandText({"kvrctl", "group", "rename", ClientPath(client.name), group.name})));
+  } else {
+    NoteUnstoredName(outcome, client, group.name);
   }
   return outcome;
 }

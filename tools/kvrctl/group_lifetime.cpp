@@ -1,6 +1,7 @@
 #include "group_lifetime.h"
 
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -9,6 +10,7 @@
 #include "group_changes.h"
 #include "host_changes.h"
 #include "library.h"
+#include "slot_reader.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -41,6 +43,17 @@ std::uint32_t Create(Place &place, const std::string &name, std::uint32_t *reser
                         &place.created);
 }
 
+// At the top level there is no parent whose reserve could grow.
+Failure CreationFailure(const std::string &doing, std::uint32_t code, bool top) {
+  Failure failure(doing, code);
+  if (code == KVR_ERR_NO_FREE_INDEX && top) {
+    failure.hint =
+        "Look with `kvrctl slots`; shrink another group's reserve with `kvrctl group "
+        "set-reserve`, or delete a group.";
+  }
+  return failure;
+}
+
 // The path by which a group just made is found again, where another may have the same one.
 std::string UniquePath(const Library &library, const std::string &path, const Host &client) {
   bool taken = false;
@@ -55,28 +68,38 @@ void AddServersTo(Outcome &outcome, KVR_GROUP group, const std::string &path,
   outcome.result["done"] = results.done;
   outcome.text += Line("Added to the servers of {}: {}.", path, ShownList(results.done));
   if (results.failed.empty()) return;
-  outcome.failure = PartialFailure("Adding to the servers of " + path, results,
-                                   NamingFailed({"kvrctl", "group", "add-server", path}, results));
+  outcome.failure =
+      PartialFailure("Adding to the servers of " + path, results,
+                     NamingFailed(Naming({"kvrctl", "group", "add-server"}, {path}), results));
 }
 
 // A reserved slot that is in use below a group without children is held by a host that was not
 // found, or by nobody since a deletion that stopped halfway. The library would give it to another.
-void RequireNoLostChildren(const std::string &doing, const Group &group) {
-  const std::uint32_t used = KVR_GetUsedIndexCount(group.handle);
+void RequireNoLostChildren(const std::string &doing, const Library &library, const Group &group) {
+  const std::uint32_t used = CountSlotsBelow(library, group).used;
   if (used == 0) return;
   throw Failure(
       ExitStatus::Refused, "LOST_CHILDREN",
       fmt::format("{} was not tried: slots of its reserve are in use by hosts that were not "
-                  "found ({}).",
+                  "found, or were left behind by a deletion ({}).",
                   doing, used),
-      "Bring these hosts back into reach and delete their groups first. Where they are "
-      "gone for good, --force deletes the group, and their slots go to others.");
+      "Bring hosts that are missing back into reach and delete their groups first. Where none is "
+      "missing, or they are gone for good, --force deletes the group, and the slots go to others.");
 }
 
 void RequireDeletable(const std::string &doing, const Group &group) {
   if (KVR_IsBackupMSC() != 0) throw Failure(doing, KVR_ERR_IS_BACKUP_MSC);
   if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
   if (!group.children.empty()) throw Failure(doing, KVR_ERR_HAS_CHILD_GROUPS);
+}
+
+// What a deletion leaves behind: the library cannot give slots back to a client that was not found.
+std::vector<std::string> NotesOnDeletion(const Library &library, const Group &group) {
+  const Group *parent = ParentOf(library, group);
+  if (parent == nullptr || !parent->offline) return {};
+  return {
+      "The group's slots stay taken in the reserve of the client that was not found, until its "
+      "own group is deleted with --force."};
 }
 
 // The failure of a deletion that the library answered with code, its servers being out before.
@@ -113,7 +136,7 @@ Outcome CreateGroup(const GroupRequest &request) {
   std::uint32_t granted = request.reserve;
   const std::uint32_t code = Create(place, name, &granted);
   const bool reduced = code == KVR_ERR_RESERVED_COUNT_REDUCED;
-  if (!reduced) Require("Creating group " + shownPath, code);
+  if (code != KVR_OK && !reduced) throw CreationFailure("Creating group " + shownPath, code, top);
   Outcome outcome = {{{"path", shownPath},
                       {"client", client.name},
                       {"asked", request.reserve},
@@ -126,6 +149,7 @@ Outcome CreateGroup(const GroupRequest &request) {
   if (!servers.empty()) {
     AddServersTo(outcome, place.created, UniquePath(library, shownPath, client), servers);
   }
+  NoteUnstoredName(outcome, client, name);
   return outcome;
 }
 
@@ -133,10 +157,11 @@ Outcome DeleteGroup(const std::string &path, bool force) {
   const Library library;
   const Group &group = library.GroupAt(SplitPath(path));
   const std::string doing = "Deleting group " + group.path;
-  std::vector<std::string> retry = {"kvrctl", "group", "delete", path};
+  std::vector<std::string> retry = {"kvrctl", "group", "delete"};
   if (force) retry.emplace_back("--force");
+  retry = Naming(std::move(retry), {path});
   RequireDeletable(doing, group);
-  if (!force) RequireNoLostChildren(doing, group);
+  if (!force) RequireNoLostChildren(doing, library, group);
   const HostResults servers = ChangeEach(group.servers, [&group](KVR_SYSTEM system) {
     return KVR_RemoveServerFromAsg(group.handle, system);
   });
@@ -157,7 +182,7 @@ Outcome DeleteGroup(const std::string &path, bool force) {
   return {{{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
           Line("Group {} {}. Removed from its servers: {}.", group.path,
                deleted ? "is deleted" : "stays", ShownList(servers.done)),
-          {},
+          deleted ? NotesOnDeletion(library, group) : std::vector<std::string>{},
           failure};
 }
 

@@ -22,7 +22,7 @@ Outcome ListGroups() {
                                      {"offline", "OFFLINE"},
                                      {"servers", "SERVERS"},
                                      {"children", "CHILDREN"}};
-  return {rows, Table(rows, columns, "There are no groups."), {}, std::nullopt};
+  return {rows, Table(rows, columns, "There are no groups."), library.GroupNotes(), std::nullopt};
 }
 
 Outcome ShowGroup(const std::string &path) {

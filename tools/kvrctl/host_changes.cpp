@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -91,10 +92,11 @@ void AddRetry(Failure &failure, const std::vector<std::string> &command) {
 
 std::vector<std::string> NamingFailed(std::vector<std::string> command,
                                       const HostResults &results) {
+  std::vector<std::string> open;
   for (const HostFailure &failed : results.failed) {
-    if (!IsSettled(failed)) command.push_back(failed.host);
+    if (!IsSettled(failed)) open.push_back(failed.host);
   }
-  return command;
+  return Naming(std::move(command), open);
 }
 
 Failure PartialFailure(const std::string &doing, const HostResults &results,
@@ -113,6 +115,22 @@ Failure PartialFailure(const std::string &doing, const HostResults &results,
   failure.failedHosts = failed;
   if (!settled) AddRetry(failure, retry);
   return failure;
+}
+
+Json WithThisHost(Json done, bool here) {
+  if (here) done.push_back("this host");
+  return done;
+}
+
+void AddLocalFailure(Outcome &outcome, const std::vector<std::string> &retry) {
+  Failure failure("Storing this host's table", KVR_ERR_LOCAL_WRITE_FAILED);
+  if (outcome.failure) {
+    outcome.notes.push_back(failure.message);
+    return;
+  }
+  failure.status = ExitStatus::Partial;
+  AddRetry(failure, retry);
+  outcome.failure = failure;
 }
 
 }  // namespace kvrctl

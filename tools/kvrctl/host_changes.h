@@ -57,4 +57,11 @@ std::vector<std::string> NamingFailed(std::vector<std::string> command, const Ho
 Failure PartialFailure(const std::string &doing, const HostResults &results,
                        const std::vector<std::string> &retry);
 
+// The hosts that took a change, and "this host" behind them where it did too.
+Json WithThisHost(Json done, bool here);
+
+// Tells that this host's own table did not take the change (5030): as the outcome's failure, or
+// beside the one that it has already. retry is the command that repeats the change.
+void AddLocalFailure(Outcome &outcome, const std::vector<std::string> &retry);
+
 }  // namespace kvrctl

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include <fmt/format.h>
 
@@ -161,6 +162,11 @@ const Host &Library::HostNamed(const std::string &name) const {
     candidates.push_back(host.wideName.empty() ? host.name
                                                : fmt::format("{} ({})", host.name, host.wideName));
   }
+  // A name that another host has in the other form only must not hide the host that it stands for.
+  std::vector<const Host *> exact;
+  std::copy_if(found.begin(), found.end(), std::back_inserter(exact),
+               [&name](const Host *host) { return host->name == name; });
+  if (exact.size() == 1) return *exact.front();
   if (found.size() == 1) return *found.front();
   if (found.size() > 1) {
     throw Failure(ExitStatus::Usage, "AMBIGUOUS_HOST",
@@ -183,8 +189,10 @@ const Host &Library::HostNamed(const std::string &name) const {
 
 std::vector<const Host *> Library::HostsNamed(const std::vector<std::string> &names) const {
   std::vector<const Host *> hosts;
-  for (const std::string &name : names)
-    hosts.push_back(&HostNamed(name));
+  for (const std::string &name : names) {
+    const Host *host = &HostNamed(name);
+    if (std::find(hosts.begin(), hosts.end(), host) == hosts.end()) hosts.push_back(host);
+  }
   return hosts;
 }
 
@@ -226,8 +234,29 @@ std::vector<std::string> Library::Notes() const {
   return {"Hosts outside the ACG are seen only on the MSC."};
 }
 
+std::vector<std::string> Library::GroupNotes() const {
+  if (KVR_SecurityState() != KVR_OK || KVR_IsSecureClient() != 0) return {};
+  return {
+      "A host that holds no slot does not learn of slots, clients, groups and backup MSCs; ask "
+      "on the MSC."};
+}
+
 void RequireConfiguration(const std::string &doing) {
-  Require(doing, KVR_SecurityState());
+  const std::uint32_t code = KVR_SecurityState();
+  if (code == KVR_OK) return;
+  Failure failure(doing, code);
+  failure.hint = "Run the command on a host of the configuration; `kvrctl status` shows a role.";
+  throw failure;
+}
+
+const Group *ParentOf(const Library &library, const Group &group) {
+  const Group *parent = nullptr;
+  ForEachGroup(library.Groups(), [&](const Group &candidate) {
+    for (const Group &child : candidate.children) {
+      if (&child == &group) parent = &candidate;
+    }
+  });
+  return parent;
 }
 
 Json NamesOf(const std::vector<const Host *> &hosts) {

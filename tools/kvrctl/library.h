@@ -49,12 +49,15 @@ class Library {
   // What a reader of its host lists and counts must know; mostly nothing.
   std::vector<std::string> Notes() const;
 
+  // What a reader of its slots, clients and groups must know; mostly nothing.
+  std::vector<std::string> GroupNotes() const;
+
   // Throws Failure (5000) where the hosts outside the ACG are withheld from this host, so that one
   // of them cannot be named.
   void RequireAllHosts(const std::string &doing) const;
 
-  // The host that a user calls by its 8-bit or its UTF-16 name. Throws Failure when there is none,
-  // or more than one.
+  // The host that a user calls by its 8-bit name, or by its UTF-16 name where no host or several
+  // have it as their 8-bit one. Throws Failure when there is none, or more than one.
   const Host &HostNamed(const std::string &name) const;
 
   // The hosts called so, in the order of the names. Throws Failure as HostNamed.
@@ -92,6 +95,9 @@ void ForEachGroup(const std::vector<Group> &groups, const Visit &visit) {
     ForEachGroup(group.children, visit);
   }
 }
+
+// The group right above this one of the library's, or null at the top level.
+const Group *ParentOf(const Library &library, const Group &group);
 
 // The hosts' names, in their order.
 Json NamesOf(const std::vector<const Host *> &hosts);

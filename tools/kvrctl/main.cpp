@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "arguments.h"
 #include "command.h"
 #include "exit_status.h"
 #include "platform.h"
@@ -66,7 +68,7 @@ std::string WordsRead(const CLI::App &app) {
 // Why the line is refused: a word that nothing takes is named before something that is missing.
 std::string Fault(const CLI::App &app, const CLI::ParseError &error) {
   const std::vector<std::string> strange = app.remaining(true);
-  if (!strange.empty()) return fmt::format("'{}' has no place here", strange.front());
+  if (!strange.empty()) return fmt::format("'{}' has no place here", Unmarked(strange.front()));
   return error.what();
 }
 
@@ -111,8 +113,11 @@ int Run(int argc, char **argv) {
   AddSuccessionCommands(app, chosen);
   AddSwitchAccessCommand(app, chosen);
   AddKeyCommands(app, chosen);
+  UnmarkValues(app);
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> marked = Marked(arguments);
+    std::reverse(marked.begin(), marked.end());  // as the parser takes them
+    app.parse(std::move(marked));
   } catch (const CLI::Success &request) {
     return app.exit(request);
   } catch (const CLI::ParseError &error) {

@@ -9,6 +9,7 @@
 
 #include "platform.h"
 #include "result_text.h"
+#include "text.h"
 
 namespace kvrctl {
 namespace {
@@ -37,9 +38,14 @@ Failure CauseOfNoAdapter() {
     return NoNetwork(fmt::format("The fabric '{}' has no host '{}'.", *folder, *name),
                      "Choose one of the hosts that `kvrctl fabric show` lists.");
   }
+  if (host->adapters.empty()) {
+    return NoNetwork(fmt::format("Host '{}' is described without an adapter.", *name),
+                     "Give it a [[host.adapter]] in fabric.toml, or name another host.");
+  }
   if (host->up) return plain;
   return NoNetwork(fmt::format("Host '{}' is down in the fabric.", *name),
-                   fmt::format("Take it up with `kvrctl fabric set {} --up`.", *name));
+                   fmt::format("Take it up with `{}`.",
+                               CommandText(Naming({"kvrctl", "fabric", "set", "--up"}, {*name}))));
 }
 
 }  // namespace

@@ -64,7 +64,8 @@ ExitStatus Render(Form form, const std::string &command, const Outcome &outcome)
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
     Write(stderr,
-          "kvrctl: The answer could not be written; give standard output room and repeat.\n");
+          "kvrctl: The answer could not be written; give standard output room. What the command "
+          "changed stays changed: look with `kvrctl status` or `kvrctl tree` before repeating.\n");
     return ExitStatus::NothingToTalkTo;
   }
   return outcome.failure ? outcome.failure->status : ExitStatus::Done;

@@ -46,7 +46,8 @@ constexpr std::array kTexts = {
                "Bring the missing client back into reach and run the command again."},
     ResultText{
         KVRCTL_CODE(KVR_ERR_NO_FREE_INDEX),
-        "no free slot is left under the parent, or its client cannot be read",
+        "no free slot is left where the group would stand, or the table that tells could not be "
+        "read",
         "Look with `kvrctl slots`; give the parent's client more with `kvrctl group set-reserve`, "
         "or create the group elsewhere."},
     ResultText{
@@ -54,8 +55,8 @@ constexpr std::array kTexts = {
         "done, with fewer reserved slots than asked for",
         "`kvrctl slots` shows how many are free above the group; ask again with `kvrctl group "
         "set-reserve` when there are more."},
-    ResultText{KVRCTL_CODE(KVR_ERR_INVALID_NAME), "a group name has 1 to 31 characters",
-               "Choose a shorter name."},
+    ResultText{KVRCTL_CODE(KVR_ERR_INVALID_NAME), "a group name has 1 to 31 UTF-16 units",
+               "Choose another name; a character beyond U+FFFF, as an emoji, takes two units."},
     ResultText{KVRCTL_CODE(KVR_ERR_ALREADY_CLIENT),
                "the host holds a slot already, as a group's client, the MSC or a backup MSC",
                "Choose another client; `kvrctl hosts` shows who holds none."},

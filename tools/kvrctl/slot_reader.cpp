@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -126,38 +127,62 @@ std::optional<std::uint32_t> ReadSlot(const std::vector<Address> &adapters) {
   return std::nullopt;
 }
 
+// The table behind an address, or null.
+std::unique_ptr<SaTable> ReadTable(const Address &at) {
+  auto table = std::make_unique<SaTable>();
+  std::uint32_t bytes = KVR_SA_TABLE_SIZE;
+  const std::uint32_t refused =
+      TQ_ReadSaTable(at.credential[0], at.credential[1], at.id[0], at.id[1], table.get(), &bytes);
+  return refused != 0 ? nullptr : std::move(table);
+}
+
 // This host's stored table, or null.
 std::unique_ptr<SaTable> ReadLocalTable() {
   std::uint32_t request[2] = {0, 0};
   LocalAdapterInfo adapter{};
   TQ_GetLocalHBAInfo(request, &adapter);
-  std::uint32_t id[2];
-  std::memcpy(id, adapter.localAdapterId, sizeof id);
-  auto table = std::make_unique<SaTable>();
-  std::uint32_t bytes = KVR_SA_TABLE_SIZE;
-  if (TQ_ReadSaTable(0, 0, id[0], id[1], table.get(), &bytes) != 0) return nullptr;
-  return table;
+  Address here;
+  std::memcpy(here.id, adapter.localAdapterId, sizeof here.id);
+  return ReadTable(here);
+}
+
+bool HaveSameKeys(const SaTable &a, const SaTable &b) {
+  return std::equal(std::begin(a.entries), std::end(a.entries), std::begin(b.entries),
+                    [](const SaEntry &one, const SaEntry &other) {
+                      return std::memcmp(&one.key, &other.key, sizeof one.key) == 0;
+                    });
+}
+
+// The adapters of those hosts for which isWanted(host), and which no other has the names of.
+template <class Predicate>
+std::map<const Host *, std::vector<Address>> FindAdapters(const std::vector<Host> &hosts,
+                                                          const Predicate &isWanted) {
+  std::map<Names, std::uint32_t> bearers;
+  for (const Host &host : hosts)
+    ++bearers[{host.name, host.wideName}];
+
+  std::map<Names, const Host *> byNames;
+  Addresses wanted;
+  for (const Host &host : hosts) {
+    const Names names{host.name, host.wideName};
+    if (!isWanted(host) || bearers[names] > 1) continue;
+    byNames[names] = &host;
+    wanted[names] = {};
+  }
+  std::map<const Host *, std::vector<Address>> found;
+  if (wanted.empty()) return found;
+  for (auto &[names, adapters] : DiscoverAddresses(std::move(wanted)))
+    found[byNames[names]] = std::move(adapters);
+  return found;
 }
 
 }  // namespace
 
 Slots ReadSlots(const std::vector<Host> &hosts) {
-  std::map<Names, std::uint32_t> bearers;
-  for (const Host &host : hosts)
-    ++bearers[{host.name, host.wideName}];
-
-  std::map<Names, const Host *> holders;
-  Addresses wanted;
-  for (const Host &host : hosts) {
-    const Names names{host.name, host.wideName};
-    if (!host.holdsSlot || bearers[names] > 1) continue;
-    holders[names] = &host;
-    wanted[names] = {};
-  }
   Slots slots;
-  if (wanted.empty()) return slots;
-  for (const auto &[names, adapters] : DiscoverAddresses(std::move(wanted))) {
-    if (const auto slot = ReadSlot(adapters)) slots[holders[names]] = *slot;
+  const auto holdsSlot = [](const Host &host) { return host.holdsSlot; };
+  for (const auto &[host, adapters] : FindAdapters(hosts, holdsSlot)) {
+    if (const auto slot = ReadSlot(adapters)) slots[host] = *slot;
   }
   return slots;
 }
@@ -165,6 +190,22 @@ Slots ReadSlots(const std::vector<Host> &hosts) {
 Json SlotOf(const Slots &slots, const Host *host) {
   const auto found = slots.find(host);
   return found == slots.end() ? Json() : Json(found->second);
+}
+
+SlotCount CountSlots(KVR_GROUP group) {
+  return {KVR_GetFreeIndexCount(group), KVR_GetUsedIndexCount(group)};
+}
+
+SlotCount CountSlotsBelow(const Library &library, const Group &group) {
+  const std::string doing = "Counting the slots under " + group.path;
+  if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
+  SlotCount count = CountSlots(group.handle);
+  if (count.free + count.used > 0) return count;
+  if (SlotOf(ReadSlots(library.Hosts()), group.client).is_null()) {
+    throw Failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
+  }
+  // The table can be read, though perhaps it could not at the time of the count.
+  return CountSlots(group.handle);
 }
 
 Json ReadLocalSlot() {
@@ -178,6 +219,23 @@ std::optional<bool> ReadLocalSwitchAccess() {
   const auto table = ReadLocalTable();
   if (table == nullptr) return std::nullopt;
   return (table->entries[KVR_SWITCH_POSITION].access.serveFlags & ACE_SWITCH_ACCESS) != 0;
+}
+
+std::optional<bool> SharesKeys(const std::vector<Host> &hosts,
+                               const std::vector<HostFailure> &failed) {
+  const auto here = ReadLocalTable();
+  if (here == nullptr) return false;
+  const auto took = [&failed](const Host &host) {
+    return host.inAcg && std::none_of(failed.begin(), failed.end(), [&](const HostFailure &one) {
+             return one.host == host.name;
+           });
+  };
+  for (const auto &[host, adapters] : FindAdapters(hosts, took)) {
+    for (const Address &at : adapters) {
+      if (const auto there = ReadTable(at)) return HaveSameKeys(*here, *there);
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace kvrctl

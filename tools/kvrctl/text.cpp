@@ -160,6 +160,19 @@ std::string Printable(std::string_view utf8) {
   return out;
 }
 
+std::vector<std::string> Naming(std::vector<std::string> command,
+                                const std::vector<std::string> &values) {
+  bool guarded = std::find(command.begin(), command.end(), "--") != command.end();
+  for (const std::string &value : values) {
+    if (!guarded && value.substr(0, 1) == "-") {
+      command.emplace_back("--");
+      guarded = true;
+    }
+    command.push_back(value);
+  }
+  return command;
+}
+
 std::string CommandText(const std::vector<std::string> &words) {
   std::string text;
   for (const std::string &word : words)

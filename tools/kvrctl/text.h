@@ -27,6 +27,10 @@ std::optional<std::u16string> Utf16Of(std::string_view utf8);
 // strangers and must not steer a terminal.
 std::string Printable(std::string_view utf8);
 
+// The command with values behind it, and "--" before the first that would be taken for an option.
+std::vector<std::string> Naming(std::vector<std::string> command,
+                                const std::vector<std::string> &values);
+
 // A command line as a shell reads it: words that it would take apart or change stand in quotes.
 std::string CommandText(const std::vector<std::string> &words);
 
