@@ -6,6 +6,7 @@
 #include "model/local_state.h"
 #include "model/system_registry.h"
 #include "tables/host_tables.h"
+#include "tables/slot_rules.h"
 
 namespace kvr {
 
@@ -31,12 +32,7 @@ std::uint32_t RemoveBackupMSC(KVR_SYSTEM system) {
   if (!IsLive(system)) return KVR_ERR_INVALID_HANDLE;
   ListNode *node = ListFind(g_backupMscList, system);
   if (node == nullptr) return KVR_ERR_NOT_BACKUP_MSC;
-  AccessControlTable table = {};
-  if (const std::uint32_t result = ReadAccessTable(system, table)) return result;
-  for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
-    table.entries[slot].roleFlags = 0;
-  }
-  if (const std::uint32_t result = WriteAccessTable(system, table)) return result;
+  if (const std::uint32_t result = ChangeAccessTable(system, ClearRoles)) return result;
   system->saIndex = -1;
   ListUnlink(node, 0);
   return KVR_OK;

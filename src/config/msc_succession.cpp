@@ -5,6 +5,7 @@
 #include "model/release.h"
 #include "model/system_registry.h"
 #include "tables/host_tables.h"
+#include "tables/slot_rules.h"
 #include "tables/synchronization.h"
 
 namespace kvr {
@@ -17,35 +18,30 @@ void MarkAsMsc(AccessControlTable &table) {
 
 // The role in this host's own table alone: the MSC that it replaces need not be there any more.
 std::uint32_t TakeOver() {
-  AccessControlTable local = {};
-  GetLocalAccessTable(local);
-  local.entries[g_localIndex].serveFlags = 0;
-  MarkAsMsc(local);
-  return PutLocalAccessTable(local);
+  return ChangeAccessTable(LOCAL_SYSTEM, [](AccessControlTable &local) {
+    local.entries[g_localIndex].serveFlags = 0;
+    MarkAsMsc(local);
+  });
 }
 
 // Makes a backup's table the MSC's: a fresh copy of the local one, which serves nobody.
 std::uint32_t WriteNewMsc(SystemRecord &backup) {
   if (const std::uint32_t result = PushAccessTableToBackup(backup)) return result;
-  AccessControlTable table = {};
-  if (const std::uint32_t result = ReadAccessTable(&backup, table)) return result;
-  for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
-    table.entries[slot].serveFlags = 0;
-  }
-  MarkAsMsc(table);
-  return WriteAccessTable(&backup, table);
+  return ChangeAccessTable(&backup, [](AccessControlTable &table) {
+    for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
+      table.entries[slot].serveFlags = 0;
+    }
+    MarkAsMsc(table);
+  });
 }
 
 // Leaves this host a server of the new MSC. That its own table could not be stored is not reported:
 // the role has gone.
 void StepDown() {
-  AccessControlTable local = {};
-  GetLocalAccessTable(local);
-  for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
-    local.entries[slot].roleFlags = 0;
-  }
-  local.entries[g_localIndex].serveFlags = ACE_SERVES;
-  PutLocalAccessTable(local);
+  ChangeAccessTable(LOCAL_SYSTEM, [](AccessControlTable &local) {
+    ClearRoles(local);
+    local.entries[g_localIndex].serveFlags = ACE_SERVES;
+  });
 }
 
 }  // namespace

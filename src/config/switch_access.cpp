@@ -18,10 +18,9 @@ void SetSwitchAccess(AccessEntry &entry) {
 }
 
 std::uint32_t WriteSwitchAccess(SystemRecord &system) {
-  AccessControlTable table = {};
-  if (const std::uint32_t result = ReadAccessTable(&system, table)) return result;
-  SetSwitchAccess(table.entries[KVR_SWITCH_POSITION]);
-  return WriteAccessTable(&system, table);
+  return ChangeAccessTable(&system, [](AccessControlTable &table) {
+    SetSwitchAccess(table.entries[KVR_SWITCH_POSITION]);
+  });
 }
 
 }  // namespace

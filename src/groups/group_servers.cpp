@@ -32,10 +32,8 @@ std::uint32_t CheckRemoval(const GroupRecord *group, const SystemRecord *system)
 
 // Writes whether a host serves the client that holds a slot: one read and one write of its table.
 std::uint32_t WriteService(SystemRecord *system, std::int32_t slot, std::uint32_t serveFlags) {
-  AccessControlTable table = {};
-  if (const std::uint32_t result = ReadAccessTable(system, table)) return result;
-  table.entries[slot].serveFlags = serveFlags;
-  return WriteAccessTable(system, table);
+  return ChangeAccessTable(
+      system, [=](AccessControlTable &table) { table.entries[slot].serveFlags = serveFlags; });
 }
 
 }  // namespace

@@ -25,6 +25,16 @@ std::uint32_t WriteSaHeader(SystemRecord *host, const SaTableHeader &header);
 std::uint32_t ReadAccessTable(SystemRecord *host, AccessControlTable &table);
 std::uint32_t WriteAccessTable(SystemRecord *host, const AccessControlTable &table);
 
+// Reads a host's access table, lets change(AccessControlTable &) change it, and writes it back. The
+// result of the read when that fails, and then nothing was written, else that of the write.
+template <class Change>
+std::uint32_t ChangeAccessTable(SystemRecord *host, const Change &change) {
+  AccessControlTable table = {};
+  if (const std::uint32_t result = ReadAccessTable(host, table)) return result;
+  change(table);
+  return WriteAccessTable(host, table);
+}
+
 // The access words of the cached table; always 0.
 std::uint32_t GetLocalAccessTable(AccessControlTable &table);
 

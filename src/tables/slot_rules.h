@@ -47,4 +47,11 @@ inline std::uint32_t CountSlots(const AccessControlTable &table, PoolMode mode,
   return static_cast<std::uint32_t>(count);
 }
 
+// Takes every relation off the slots: their roleFlags become 0.
+inline void ClearRoles(AccessControlTable &table) {
+  for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
+    table.entries[slot].roleFlags = 0;
+  }
+}
+
 }  // namespace kvr
