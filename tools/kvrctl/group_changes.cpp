@@ -48,6 +48,18 @@ void RequireHanded(const std::string &doing, std::uint32_t code, const Group *pa
   throw failure;
 }
 
+// The wording is given up to the servers, the command up to the path.
+Outcome ChangeServers(const std::string &path, const std::vector<std::string> &hosts,
+                      const Wording &wording, std::uint32_t (*change)(KVR_GROUP, KVR_SYSTEM)) {
+  const Library library;
+  const Group &group = library.GroupAt(SplitPath(path));
+  const std::string servers = " the servers of " + group.path;
+  return ChangeHosts(
+      library, hosts,
+      {wording.doing + servers, wording.didSo + servers, Naming(wording.command, {path})},
+      [&](KVR_SYSTEM system) { return change(group.handle, system); });
+}
+
 }  // namespace
 
 Outcome RenameGroup(const std::string &path, const std::string &name) {
@@ -69,25 +81,14 @@ Outcome RenameGroup(const std::string &path, const std::string &name) {
 }
 
 Outcome AddServers(const std::string &path, const std::vector<std::string> &hosts) {
-  const Library library;
-  const Group &group = library.GroupAt(SplitPath(path));
-  const Wording wording{"Adding to the servers of " + group.path,
-                        "Added to the servers of " + group.path,
-                        Naming({"kvrctl", "group", "add-server"}, {path})};
-  return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
-    return KVR_AddServerToAsg(group.handle, system);
-  });
+  return ChangeServers(path, hosts, {"Adding to", "Added to", {"kvrctl", "group", "add-server"}},
+                       KVR_AddServerToAsg);
 }
 
 Outcome RemoveServers(const std::string &path, const std::vector<std::string> &hosts) {
-  const Library library;
-  const Group &group = library.GroupAt(SplitPath(path));
-  const Wording wording{"Removing from the servers of " + group.path,
-                        "Removed from the servers of " + group.path,
-                        Naming({"kvrctl", "group", "remove-server"}, {path})};
-  return ChangeHosts(library, hosts, wording, [&group](KVR_SYSTEM system) {
-    return KVR_RemoveServerFromAsg(group.handle, system);
-  });
+  return ChangeServers(path, hosts,
+                       {"Removing from", "Removed from", {"kvrctl", "group", "remove-server"}},
+                       KVR_RemoveServerFromAsg);
 }
 
 void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name) {
