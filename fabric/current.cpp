@@ -2,37 +2,32 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
 
+#include "fabric/platform_files.h"
+
 namespace fabric {
 namespace {
 
-std::string Environment(const char *name) {
-  const char *value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
 // Throws std::runtime_error with what to do about it when the environment leads to no network.
 std::shared_ptr<Network> OpenFabric() {
-  const std::string folder = Environment("KVR_FABRIC");
-  const std::string host = Environment("KVR_HOST");
-  if (folder.empty() || host.empty()) {
+  const auto folder = Environment("KVR_FABRIC"), host = Environment("KVR_HOST");
+  if (!folder || !host) {
     throw std::runtime_error(
         "set KVR_FABRIC to the folder of a fabric and KVR_HOST to the host of it to act as");
   }
-  const auto absolute = std::filesystem::absolute(folder);
+  const auto absolute = std::filesystem::absolute(PathOf(*folder));
   Description description = LoadDescription(absolute);
   const bool known = std::any_of(description.hosts.begin(), description.hosts.end(),
-                                 [&](const Host &described) { return described.name == host; });
+                                 [&](const Host &described) { return described.name == *host; });
   if (!known) {
-    throw std::runtime_error("KVR_HOST is '" + host + "', which is no host of " + folder +
+    throw std::runtime_error("KVR_HOST is '" + *host + "', which is no host of " + *folder +
                              "/fabric.toml; set it to one that is described there");
   }
-  return std::make_shared<Network>(std::move(description), host,
+  return std::make_shared<Network>(std::move(description), *host,
                                    std::make_shared<FolderStore>(absolute));
 }
 
@@ -44,8 +39,7 @@ std::shared_ptr<Network> MakeFromEnvironment() {
     std::fprintf(stderr, "simulated network: %s\n", error.what());
     network = std::make_shared<Network>(Description{}, "");
   }
-  const std::string trace = Environment("KVR_TRACE");
-  network->SetTrace(!trace.empty() && trace != "0");
+  network->SetTrace(Environment("KVR_TRACE").value_or("0") != "0");
   return network;
 }
 
@@ -74,6 +68,11 @@ std::shared_ptr<Network> CurrentNetwork() {
   const std::lock_guard guard(holder.mutex);
   if (!holder.network) holder.network = MakeFromEnvironment();
   return holder.network;
+}
+
+void AbandonCurrentNetwork() {
+  // The lock may be held by a thread that is no more.
+  new std::shared_ptr<Network>(std::move(TheHolder().network));
 }
 
 void SetCurrentNetwork(std::shared_ptr<Network> network) {

@@ -1,9 +1,7 @@
 #include "fabric/description.h"
 
 #include <algorithm>
-#include <fstream>
 #include <initializer_list>
-#include <iterator>
 #include <limits>
 #include <set>
 #include <utility>
@@ -14,6 +12,7 @@
 #include "kvrapi/vexonet.h"
 
 #include "fabric/description_text.h"
+#include "fabric/platform_files.h"
 
 namespace fabric {
 namespace {
@@ -192,7 +191,7 @@ class Reader {
 
   std::string file_;
   Description description_;
-  std::set<std::string> names_;
+  std::set<std::string> names_;  // as the system tells files apart by them
   std::set<Id8> adapterIds_;
 };
 
@@ -227,7 +226,9 @@ void Reader::CheckName(const Section &section, const std::string &name) {
                    "a host name is part of a file name: printable ASCII characters but "
                    "none of / \\ : * ? \" < > |");
   }
-  if (!names_.insert(name).second) {
+  const std::string key = FileKey(name);
+  if (key.empty()) section.Refuse("name", "this system has no file of that name; choose another");
+  if (!names_.insert(key).second) {
     section.Refuse("name", "a host " + Quoted(name) + " is already described above");
   }
 }
@@ -315,13 +316,13 @@ std::filesystem::path DescriptionFile(const std::filesystem::path &folder) {
 
 std::string ReadDescriptionText(const std::filesystem::path &file) {
   std::error_code ignored;
-  std::ifstream input(file, std::ios::binary);
-  if (!input || !std::filesystem::is_regular_file(file, ignored)) {
+  const auto text = std::filesystem::is_regular_file(file, ignored) ? ReadContent(file) : std::nullopt;
+  if (!text) {
     throw DescriptionError(file.string() +
                            ":1: cannot be read; name the folder of a fabric, or make one with "
                            "'kvrctl fabric new'");
   }
-  return {std::istreambuf_iterator<char>(input), {}};
+  return *text;
 }
 
 Description ParseDescription(std::string_view text, const std::string &file) {

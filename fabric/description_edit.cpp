@@ -93,7 +93,7 @@ void Append(std::string &text, const Fault &fault) {
 }
 
 void Store(const std::filesystem::path &file, const std::string &text) {
-  if (const auto error = ReplaceFile(file, text.data(), text.size())) {
+  if (const auto error = ReplaceContent(file, text.data(), text.size())) {
     throw std::runtime_error(file.string() + " cannot be written: " + error.message());
   }
 }

@@ -1,13 +1,13 @@
 // Calls a function once, later, from a thread of its own, as a discovery library announces systems.
 //
 // The thread is made at the first Arm and ends with the timer. The function may call Arm and Cancel
-// and may even destroy the timer; the timer's lock is not held while it runs.
+// and may even destroy the timer; the timer's lock is not held while it runs. Each operating system
+// has its own .cpp.
 #pragma once
 
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <thread>
 
 namespace fabric {
 
@@ -32,7 +32,6 @@ class EventTimer {
   struct State;
 
   std::shared_ptr<State> state_;
-  std::thread thread_;
 };
 
 }  // namespace fabric

@@ -1,7 +1,6 @@
 #include "fabric/image_store.h"
 
-#include <fstream>
-#include <optional>
+#include <cstring>
 #include <system_error>
 
 #include "fabric/platform_files.h"
@@ -11,13 +10,11 @@ namespace {
 
 // None when the file is absent, unreadable or not of a table's size.
 std::unique_ptr<SaTable> LoadImage(const std::filesystem::path &file) {
-  std::ifstream input(file, std::ios::binary);
-  if (!input) return nullptr;
+  const auto content = ReadContent(file, sizeof(SaTable) + 1);
+  if (!content || content->size() != sizeof(SaTable)) return nullptr;
   auto image = std::make_unique<SaTable>();
-  input.read(reinterpret_cast<char *>(image.get()), sizeof(SaTable));
-  const bool whole = input.gcount() == sizeof(SaTable);
-  const bool more = input.peek() != std::ifstream::traits_type::eof();
-  return whole && !more ? std::move(image) : nullptr;
+  std::memcpy(image.get(), content->data(), sizeof(SaTable));
+  return image;
 }
 
 }  // namespace
@@ -52,7 +49,7 @@ bool MemoryStore::Update(const std::string &host, const Change &change) {
 FolderStore::FolderStore(const std::filesystem::path &folder) : tables_(folder / "tables") {}
 
 std::filesystem::path FolderStore::File(const std::string &host, const char *suffix) const {
-  return tables_ / (host + suffix);
+  return tables_ / PathOf(host + suffix);
 }
 
 // Readers take no lock: a file is only ever replaced whole.
@@ -68,7 +65,7 @@ bool FolderStore::Write(const std::string &host, const SaTable &image) {
   std::filesystem::create_directories(tables_, ignored);
   const FileLock lock(File(host, ".lock"));
   if (lock.Error()) return false;
-  return !ReplaceFile(File(host, ".satable"), &image, sizeof image);
+  return !ReplaceContent(File(host, ".satable"), &image, sizeof image);
 }
 
 bool FolderStore::Remove(const std::string &host) {
@@ -83,7 +80,7 @@ bool FolderStore::Update(const std::string &host, const Change &change) {
   const auto image = LoadImage(File(host, ".satable"));
   if (!image) return false;
   change(*image);
-  return !ReplaceFile(File(host, ".satable"), image.get(), sizeof *image);
+  return !ReplaceContent(File(host, ".satable"), image.get(), sizeof *image);
 }
 
 }  // namespace fabric

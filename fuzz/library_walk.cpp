@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <vector>
 
 #include "kvrapi/kvrapi.h"
@@ -14,7 +13,8 @@
 
 std::uint32_t fuzz::g_now = 1'000'000'000;
 
-extern "C" std::time_t __wrap_time(std::time_t *) { return fuzz::g_now; }
+// kvr::CurrentTimeSeconds()
+extern "C" std::uint32_t __wrap__ZN3kvr18CurrentTimeSecondsEv() { return fuzz::g_now; }
 
 namespace {
 

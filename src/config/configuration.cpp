@@ -16,8 +16,7 @@ namespace {
 // Fills the local table with a new configuration in which this host alone holds a slot.
 void BuildLocalSaTable() {
   SecureZero(&g_localSaTable, sizeof g_localSaTable);
-  SeedRandom();
-  g_localIndex = static_cast<std::int32_t>(DrawRandom() % KVR_SLOT_COUNT);
+  g_localIndex = static_cast<std::int32_t>(RandomGenerator().Draw() % KVR_SLOT_COUNT);
   g_localSaTable.header.formatId = KVR_SA_TABLE_FORMAT_ID;
   g_localSaTable.header.formatRevision = KVR_SA_TABLE_FORMAT_REVISION;
   MakeConfigId(g_localSaTable.header.configId, false);

@@ -9,8 +9,6 @@
 namespace kvr {
 namespace {
 
-thread_local std::uint32_t t_randomState = 1;
-
 // What stands in for a zero byte, by the byte's position in the word from the least significant.
 constexpr std::uint32_t ZERO_BYTE_SUBSTITUTES[4] = {0x5B, 0xC7, 0x2D, 0x96};
 
@@ -21,24 +19,22 @@ constexpr std::uint32_t SWITCH_KEY[KVR_KEY_MATERIAL_WORDS] = {
     0xE8325F17, 0x63CE7AB4, 0x0F9154D8, 0x9B7AE623, 0x247DB86F, 0xDA58139E, 0x71E6CF42, 0xAC3495BD,
     0x5836F1E7, 0xE1C94B75, 0x3F7285DA, 0x84AB6E19, 0xCD1F9763, 0x12E5B84F, 0xB6483DCA, 0x69D7F251};
 
-std::uint32_t DrawNonZero() {
+}  // namespace
+
+RandomGenerator::RandomGenerator() : state_(CurrentTimeSeconds()) {}
+
+std::uint32_t RandomGenerator::Draw() {
+  state_ = state_ * 214013U + 2531011U;
+  return state_ >> 16 & 0x7FFFU;
+}
+
+std::uint32_t RandomGenerator::DrawNonZero() {
   for (;;) {
-    if (const std::uint32_t draw = DrawRandom()) return draw;
+    if (const std::uint32_t draw = Draw()) return draw;
   }
 }
 
-}  // namespace
-
-void SeedRandom() {
-  t_randomState = CurrentTimeSeconds();
-}
-
-std::uint32_t DrawRandom() {
-  t_randomState = t_randomState * 214013U + 2531011U;
-  return t_randomState >> 16 & 0x7FFFU;
-}
-
-std::uint32_t RandomWord() {
+std::uint32_t RandomGenerator::Word() {
   const std::uint32_t high = DrawNonZero();
   std::uint32_t word = high << 16 | DrawNonZero();
   for (std::uint32_t position = 0; position < 4; ++position) {
@@ -49,12 +45,12 @@ std::uint32_t RandomWord() {
 }
 
 void GenerateKeyTable(KeyTable &table) {
-  SeedRandom();
+  RandomGenerator random;
   for (KeyEntry &entry : table.entries) {
     entry.keyLength = KVR_KEY_LENGTH;
     entry.reserved = 0;
     for (std::uint32_t &word : entry.keyMaterial)
-      word = RandomWord();
+      word = random.Word();
   }
   std::ranges::copy(SWITCH_KEY, table.entries[KVR_SWITCH_POSITION].keyMaterial);
 }
@@ -64,9 +60,9 @@ void MakeConfigId(std::uint32_t (&configId)[KVR_CONFIG_ID_WORDS], bool copy) {
     std::ranges::copy(g_localSaTable.header.configId, configId);
     return;
   }
-  SeedRandom();
+  RandomGenerator random;
   for (std::uint32_t &word : configId)
-    word = ToNetworkOrder(RandomWord());
+    word = ToNetworkOrder(random.Word());
 }
 
 }  // namespace kvr

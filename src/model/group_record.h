@@ -35,6 +35,7 @@ static_assert(offsetof(GroupRecord, serverCount) == (sizeof(void *) == 8 ? 120 :
 static_assert(offsetof(GroupRecord, servers) == (sizeof(void *) == 8 ? 128 : 112));
 static_assert(offsetof(GroupRecord, childCount) == (sizeof(void *) == 8 ? 136 : 116));
 static_assert(offsetof(GroupRecord, children) == (sizeof(void *) == 8 ? 144 : 120));
+static_assert(sizeof(GroupRecord) == (sizeof(void *) == 8 ? 152 : 124));
 
 constexpr std::uint32_t GROUP_MAGIC = 0x83C59B4FU;
 

@@ -33,6 +33,7 @@ static_assert(offsetof(SystemRecord, saIndex) == 30116);
 static_assert(offsetof(SystemRecord, asgServerCount) == 30120);
 static_assert(offsetof(SystemRecord, clientGroup) == (sizeof(void *) == 8 ? 30128 : 30124));
 static_assert(offsetof(SystemRecord, indexBitmap) == (sizeof(void *) == 8 ? 30136 : 30128));
+static_assert(sizeof(SystemRecord) == (sizeof(void *) == 8 ? 30168 : 30160));
 
 constexpr std::uint32_t SYSTEM_MAGIC = 0xA1D0F27EU;
 

@@ -12,7 +12,12 @@
 namespace kvr {
 
 std::uint32_t CurrentTimeSeconds() {
-  return static_cast<std::uint32_t>(std::time(nullptr));
+#if defined(_WIN32)
+  const auto now = _time64(nullptr);  // time() has 32 bits, signed, and ends in 2038
+#else
+  const auto now = std::time(nullptr);
+#endif
+  return static_cast<std::uint32_t>(now);
 }
 
 void SleepMilliseconds(std::uint32_t duration_ms) {

@@ -7,6 +7,7 @@
 
 #include "command.h"
 #include "fabric/description.h"
+#include "fabric/platform_files.h"
 #include "no_network.h"
 
 namespace kvrctl {
@@ -21,7 +22,7 @@ struct NewFabric {
 };
 
 Outcome MakeFabric(const NewFabric &asked) {
-  const std::filesystem::path folder = asked.folder;
+  const std::filesystem::path folder = fabric::PathOf(asked.folder);
   if (std::filesystem::exists(folder / "fabric.toml")) {
     throw Failure(ExitStatus::Usage, "FABRIC_EXISTS",
                   fmt::format("There is a fabric in '{}' already.", asked.folder),

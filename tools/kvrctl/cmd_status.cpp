@@ -4,8 +4,8 @@
 #include "kvrapi/kvrapi.h"
 
 #include "command.h"
+#include "fabric/platform_files.h"
 #include "library.h"
-#include "platform.h"
 #include "slot_reader.h"
 
 namespace kvrctl {
@@ -15,7 +15,7 @@ namespace {
 // have a client.
 Outcome ShowStatus() {
   const Library library;
-  const auto host = Environment("KVR_HOST");
+  const auto host = fabric::Environment("KVR_HOST");
   std::size_t groups = 0;
   ForEachGroup(library.Groups(), [&](const Group &group) { groups += group.offline ? 0 : 1; });
   const Json status = {{"host", host ? Json(*host) : Json()},

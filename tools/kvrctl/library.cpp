@@ -6,10 +6,10 @@
 
 #include <fmt/format.h>
 
+#include "fabric/platform_files.h"
 #include "failure.h"
 #include "no_network.h"
 #include "paths.h"
-#include "platform.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -174,7 +174,7 @@ const Host &Library::HostNamed(const std::string &name) const {
                               fmt::join(candidates, ", ")),
                   "Name the host by its other name, or give the hosts names that differ.");
   }
-  if (Environment("KVR_HOST") == name) {
+  if (fabric::Environment("KVR_HOST") == name) {
     throw Failure(ExitStatus::Usage, "NO_SUCH_HOST",
                   fmt::format("'{}' is this host itself, which is never named in a change.", name),
                   "Name one of the other hosts; `kvrctl hosts` lists them.");

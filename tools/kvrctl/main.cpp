@@ -95,7 +95,8 @@ ExitStatus RunChosen(const Chosen &chosen, Form form) {
 }
 
 int Run(int argc, char **argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  PrepareOutput();
+  const std::vector<std::string> arguments = CommandLine(argc, argv);
   const Form form = FormIn(arguments);
   CLI::App app{"Manages one security configuration among the hosts of a storage network.",
                "kvrctl"};

@@ -7,7 +7,7 @@
 
 #include "kvrapi/kvrapi.h"
 
-#include "platform.h"
+#include "fabric/platform_files.h"
 #include "result_text.h"
 #include "text.h"
 
@@ -24,10 +24,10 @@ Failure NoNetwork(std::string sentence, std::string wayOut) {
 // The cause of a 5002 as a failure of its own, or the plain one where the settings are in order.
 Failure CauseOfNoAdapter() {
   Failure plain("Initializing the library", KVR_ERR_NO_LOCAL_ADAPTER);
-  const auto folder = Environment(kFabricVariable);
+  const auto folder = fabric::Environment(kFabricVariable);
   if (!folder) return plain;
   const auto description = ReadDescription(*folder);
-  const auto name = Environment(kHostVariable);
+  const auto name = fabric::Environment(kHostVariable);
   if (!name) {
     return NoNetwork("No host of the fabric is named for this run.",
                      "Give --host NAME or set KVR_HOST; `kvrctl fabric show` lists the hosts.");
@@ -68,7 +68,7 @@ Failure NoLocalAdapter() {
 }
 
 std::filesystem::path FabricFolder() {
-  if (const auto folder = Environment(kFabricVariable)) return *folder;
+  if (const auto folder = fabric::Environment(kFabricVariable)) return fabric::PathOf(*folder);
   throw NoNetwork("No fabric is named.", "Give --fabric DIR or set KVR_FABRIC.");
 }
 

@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 namespace fabric {
@@ -13,6 +14,7 @@ struct EventTimer::State {
   std::function<void()> function;  // null: nothing to come
   std::chrono::steady_clock::time_point due;
   bool ending = false;
+  std::thread thread;
 
   void Run();
 };
@@ -42,7 +44,7 @@ void EventTimer::Arm(std::chrono::milliseconds delay, std::function<void()> func
   state_->function = std::move(function);
   state_->due = std::chrono::steady_clock::now() + delay;
   state_->changed.notify_all();
-  if (!thread_.joinable()) thread_ = std::thread([state = state_] { state->Run(); });
+  if (!state_->thread.joinable()) state_->thread = std::thread([state = state_] { state->Run(); });
 }
 
 void EventTimer::Cancel() {
@@ -56,11 +58,12 @@ void EventTimer::Stop() {
     state_->ending = true;
   }
   state_->changed.notify_all();
-  if (!thread_.joinable()) return;
-  if (thread_.get_id() == std::this_thread::get_id()) {
-    thread_.detach();
+  std::thread &thread = state_->thread;
+  if (!thread.joinable()) return;
+  if (thread.get_id() == std::this_thread::get_id()) {
+    thread.detach();
   } else {
-    thread_.join();
+    thread.join();
   }
 }
 

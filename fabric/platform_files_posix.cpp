@@ -1,6 +1,8 @@
 #include "fabric/platform_files.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -59,13 +61,14 @@ std::error_code WriteFlushed(const std::filesystem::path &file, const void *cont
 
 }  // namespace
 
-FileLock::FileLock(const std::filesystem::path &file)
-    : descriptor_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-  if (descriptor_ < 0) {
+FileLock::FileLock(const std::filesystem::path &file) {
+  const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  handle_ = descriptor;
+  if (descriptor < 0) {
     error_ = LastError();
     return;
   }
-  while (::flock(descriptor_, LOCK_EX) != 0) {
+  while (::flock(descriptor, LOCK_EX) != 0) {
     if (errno == EINTR) continue;
     error_ = LastError();
     return;
@@ -73,11 +76,27 @@ FileLock::FileLock(const std::filesystem::path &file)
 }
 
 FileLock::~FileLock() {
-  if (descriptor_ >= 0) ::close(descriptor_);
+  if (handle_ >= 0) ::close(static_cast<int>(handle_));
 }
 
-std::error_code ReplaceFile(const std::filesystem::path &file, const void *content,
-                            std::size_t size) {
+std::optional<std::string> ReadContent(const std::filesystem::path &file, std::size_t limit) {
+  const Descriptor descriptor(file, O_RDONLY);
+  if (descriptor.Value() < 0) return std::nullopt;
+  std::string content;
+  char part[1 << 16];
+  while (content.size() < limit) {
+    const std::size_t wanted = std::min(sizeof part, limit - content.size());
+    const ssize_t count = ::read(descriptor.Value(), part, wanted);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return std::nullopt;
+    if (count == 0) break;
+    content.append(part, static_cast<std::size_t>(count));
+  }
+  return content;
+}
+
+std::error_code ReplaceContent(const std::filesystem::path &file, const void *content,
+                               std::size_t size) {
   std::filesystem::path scratch = file;
   scratch += ".tmp";
   if (auto error = WriteFlushed(scratch, content, size)) return error;
@@ -88,6 +107,16 @@ std::error_code ReplaceFile(const std::filesystem::path &file, const void *conte
 std::error_code RemoveFile(const std::filesystem::path &file) {
   if (::unlink(file.c_str()) != 0) return LastError();
   return FlushFolder(file.parent_path());
+}
+
+std::string FileKey(const std::string &name) {
+  return name;
+}
+
+std::optional<std::string> Environment(const char *name) {
+  const char *value = std::getenv(name);
+  if (value == nullptr || *value == '\0') return std::nullopt;
+  return value;
 }
 
 }  // namespace fabric

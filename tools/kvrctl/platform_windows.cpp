@@ -1,0 +1,39 @@
+#include "platform.h"
+
+#include <cstdio>
+#include <memory>
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include "fabric/platform_files.h"
+#include "text.h"
+
+namespace kvrctl {
+
+std::vector<std::string> CommandLine(int /*argc*/, char ** /*argv*/) {
+  int count = 0;
+  const std::unique_ptr<LPWSTR, decltype(&LocalFree)> words(
+      CommandLineToArgvW(GetCommandLineW(), &count), LocalFree);
+  std::vector<std::string> arguments;
+  for (int i = 1; words && i < count; ++i) {
+    const std::wstring word = words.get()[i];
+    arguments.push_back(Utf8Of({word.begin(), word.end()}));
+  }
+  return arguments;
+}
+
+void PrepareOutput() {
+  SetConsoleOutputCP(CP_UTF8);
+  _setmode(_fileno(stdout), _O_BINARY);
+  _setmode(_fileno(stderr), _O_BINARY);
+}
+
+void SetEnvironment(const char *name, const std::string &value) {
+  _wputenv_s(fabric::PathOf(name).c_str(), fabric::PathOf(value).c_str());
+}
+
+}  // namespace kvrctl
