@@ -64,7 +64,7 @@ Description MakeDescription(std::uint32_t hostCount, std::uint64_t seed) {
 
   Description description;
   for (std::uint32_t number = 1; number <= hostCount; ++number) {
-    const Role &role = kRoles[random() % kRoles.size()];
+    const Role &role = kRoles[static_cast<std::size_t>(random() % kRoles.size())];
     const std::string digits = FourDigits(number);
     Host host;
     host.name = std::string(role.name) + "-" + digits;

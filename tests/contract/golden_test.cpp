@@ -76,7 +76,7 @@ TEST(Golden, WrittenTables) {
 
   KVR_GROUP upper = nullptr, lower = nullptr;
   std::uint32_t three = 3, one = 1;
-  const KVR_WCHAR *digits = u"0123456789012345678901234567890";
+  const KVR_WCHAR *digits = WIDE("0123456789012345678901234567890");
   ASSERT_EQ(KVR_CreateAsgA(nullptr, "abcdefg", System("A"), &three, &upper), KVR_OK);
   for (const char *server : {"B", "C"})
     ASSERT_EQ(KVR_AddServerToAsg(upper, System(server)), KVR_OK);

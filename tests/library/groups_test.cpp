@@ -35,7 +35,7 @@ TEST(CreateAsg, TakesTheLowestFreeSlotsOfItsPool) {
     EXPECT_EQ(KVR_GetFreeIndexCount(group), free);
     EXPECT_EQ(KVR_GetUsedIndexCount(group), used);
     std::uint32_t count = asked;
-    EXPECT_EQ(KVR_CreateAsgW(group, u"s", System("S"), &count, &made),
+    EXPECT_EQ(KVR_CreateAsgW(group, WIDE("s"), System("S"), &count, &made),
               granted < asked ? KVR_ERR_RESERVED_COUNT_REDUCED : KVR_OK);
     EXPECT_EQ(count, granted);
     EXPECT_EQ(KVR_GetFreeIndexCount(group), free - granted - 1);

@@ -63,6 +63,7 @@ std::string Live(const Rows &history, bool faults) {
                      "C 2=1 3=10 s0 s1", "D s0 s1 s2", "E s0 s1", "F 0=21 1=4 2=8 3=8 4=8 5=8 s0",
                      "G", "H"});
   std::string actor = "A", away;
+  g_now = 1;
   world.As(actor);
   for (std::size_t i = 1; i < history.size(); ++i) {
     const Row &r = history[i];

@@ -60,7 +60,7 @@ struct Stage {
   KVR_SYSTEM s = System("S"), system = reinterpret_cast<KVR_SYSTEM>(Group("A"));
   KVR_GROUP a = Group("A"), d = Group("D"), e = Group("E"), group = reinterpret_cast<KVR_GROUP>(s);
   const char *name = nullptr;
-  std::u16string units;
+  std::basic_string<KVR_WCHAR> units;
 };
 
 const char *const kTooLong = "this name has thirty-two letters";

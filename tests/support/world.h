@@ -25,6 +25,13 @@
 #include "model/local_state.h"
 #include "model/system_registry.h"
 
+// A literal in the 16-bit characters of the interface.
+#if defined(_WIN32)
+#define WIDE(text) L##text
+#else
+#define WIDE(text) u##text
+#endif
+
 namespace kvrtest {
 
 std::vector<std::string> Words(const std::string &text);

@@ -21,7 +21,7 @@ std::vector<std::string> CommandLine(int /*argc*/, char ** /*argv*/) {
   std::vector<std::string> arguments;
   for (int i = 1; words && i < count; ++i) {
     const std::wstring word = words.get()[i];
-    arguments.push_back(Utf8Of({word.begin(), word.end()}));
+    arguments.push_back(Utf8Of(std::u16string(word.begin(), word.end())));
   }
   return arguments;
 }
