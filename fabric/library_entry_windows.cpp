@@ -3,10 +3,17 @@
 
 #include <windows.h>
 
+namespace __gnu_cxx {
+// Of the C++ runtime inside the library: gives back the memory that it keeps for exceptions.
+void __freeres();
+}  // namespace __gnu_cxx
+
 // At the end of a process its other threads are gone already, wherever they were: nothing that they
 // held can be had or waited for any more, and the system takes all of it back. A library that is
 // unloaded before leaves nothing behind.
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID processEnds) {
-  if (reason == DLL_PROCESS_DETACH && processEnds != nullptr) fabric::AbandonCurrentNetwork();
+  if (reason != DLL_PROCESS_DETACH) return TRUE;
+  if (processEnds != nullptr) fabric::AbandonCurrentNetwork();
+  __gnu_cxx::__freeres();
   return TRUE;
 }

@@ -79,6 +79,7 @@ void PrintTrace(const CallRecord &call, std::chrono::steady_clock::duration dura
   const auto time = std::chrono::duration_cast<std::chrono::microseconds>(duration);
   line += std::to_string(time.count()) + " us\n";
   std::fputs(line.c_str(), stderr);
+  std::fflush(stderr);  // the last call is told, whatever becomes of the process
 }
 
 }  // namespace

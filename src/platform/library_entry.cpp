@@ -3,8 +3,16 @@
 #if defined(_WIN32)
 #include <windows.h>
 
+namespace __gnu_cxx {
+// Of the C++ runtime inside the library: gives back the memory that it keeps for exceptions.
+void __freeres();
+}  // namespace __gnu_cxx
+
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID /*reserved*/) {
-  if (reason == DLL_PROCESS_DETACH) kvr::OnProcessDetach();
+  if (reason == DLL_PROCESS_DETACH) {
+    kvr::OnProcessDetach();
+    __gnu_cxx::__freeres();
+  }
   return TRUE;
 }
 

@@ -2,13 +2,14 @@
 // alone.
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <dlfcn.h>
 #include <fstream>
 #include <regex>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "loaded_library.h"
+#include "support/process.h"
 
 namespace {
 
@@ -19,14 +20,9 @@ const std::regex kAnswers0(
     "GetAsgClient|GetAsgServerCount|GetAvailAsgServerCount|GetFreeIndexCount|GetUsedIndexCount|"
     "IsClientInChildAsg|IsServerInChildAsg|GetChildAsgCount|IsAsgOffline)");
 
-// No function takes more than five arguments, and each fits a word.
-using AnyFunction = std::uintptr_t (*)(std::uintptr_t, std::uintptr_t, std::uintptr_t,
-                                       std::uintptr_t, std::uintptr_t);
-
 TEST(Gate, EveryFunctionAnswersUninitializedAndTouchesNothing) {
-  unsetenv("KVR_FABRIC");
-  void *library = dlopen(LIBRARY_KVRAPI, RTLD_NOW | RTLD_LOCAL);
-  ASSERT_NE(library, nullptr) << dlerror();
+  SetVariable("KVR_FABRIC", "");
+  const LoadedLibrary library(LIBRARY_KVRAPI);
   // What every pointer leads to: no record, name or count, and no function to call.
   std::array<std::uint8_t, 64> poison;
   poison.fill(0xA5);
@@ -37,16 +33,13 @@ TEST(Gate, EveryFunctionAnswersUninitializedAndTouchesNothing) {
     std::ifstream list(SOURCE_DIR "/src/api/kvrapi.def");
     for (std::string name; list >> name;) {
       if (!name.starts_with("KVR_") || name == "KVR_Initialize") continue;
-      const auto function = reinterpret_cast<AnyFunction>(dlsym(library, name.c_str()));
-      ASSERT_NE(function, nullptr) << name;
-      EXPECT_EQ(static_cast<std::uint32_t>(function(p, p, p, p, p)),
+      EXPECT_EQ(static_cast<std::uint32_t>(library.Call(name, p, p, p, p, p)),
                 std::regex_match(name, kAnswers0) ? 0 : 5999)
           << name;
       EXPECT_EQ(poison, untouched) << name;
     }
-    reinterpret_cast<AnyFunction>(dlsym(library, "KVR_Initialize"))(0, 0, 0, 0, 0);
+    library.Call("KVR_Initialize");
   }
-  dlclose(library);
 }
 
 }  // namespace

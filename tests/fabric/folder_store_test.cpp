@@ -1,24 +1,16 @@
-#include <csignal>
+#include <chrono>
 #include <cstring>
 #include <thread>
-#include <unistd.h>
 
-#include <sys/wait.h>
-
-#include "fabric/image_store.h"
+#include "filled.h"
 #include "scratch_folder.h"
+#include "support/process.h"
 
 using namespace fabric;
 
 namespace {
 
 constexpr int kRounds = 40;
-
-SaTable Filled(int value) {
-  SaTable image;
-  std::memset(&image, value, sizeof image);
-  return image;
-}
 
 // Whether there is an image, and one that Filled makes, of any value.
 bool HoldsUniform(FolderStore &store) {
@@ -36,15 +28,11 @@ TEST(FolderStore, WritersOfDifferentViewsLoseNothing) {
   const auto count = [&](const FolderStore::Change &change) {
     for (int i = 0; i < kRounds; ++i) store.Update("a", change);
   };
-  const pid_t child = fork();
-  if (child == 0) {
-    count([](SaTable &image) { ++image.entries[255].access.roleFlags; });
-    _exit(0);
-  }
+  Process child({FOLDER_WRITER, folder.Path().string(), std::to_string(kRounds)});
   std::thread keys(count, [](SaTable &image) { ++image.entries[1].key.keyLength; });
   count([](SaTable &image) { ++image.header.formatId; });
   keys.join();
-  ASSERT_EQ(waitpid(child, nullptr, 0), child);
+  ASSERT_EQ(child.Finish().status, 0);
   EXPECT_TRUE(store.Read("a", [](const SaTable &image) {
     EXPECT_EQ(image.header.formatId, std::uint32_t{kRounds});
     EXPECT_EQ(image.entries[1].key.keyLength, std::uint32_t{kRounds});
@@ -57,15 +45,12 @@ TEST(FolderStore, KilledWriterLeavesOldOrNewImage) {
   FolderStore store(folder.Path());
   ASSERT_TRUE(store.Write("a", Filled(0)));
   for (int round = 0; round < kRounds; ++round) {
-    const pid_t child = fork();
-    for (int value = 0; child == 0; value = (value + 1) % 256) {
-      store.Write("a", Filled(value));
-      store.Update("a", [&](SaTable &image) { image = Filled(value ^ 0x80); });
-    }
-    usleep(static_cast<useconds_t>(500 + round * 137));
+    Process child({FOLDER_WRITER, folder.Path().string()});
+    ASSERT_TRUE(child.ReadErrorsUntil("writing"));
+    std::this_thread::sleep_for(std::chrono::microseconds(round * 137));
     EXPECT_TRUE(HoldsUniform(store));
-    kill(child, SIGKILL);
-    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    child.Kill();
+    ASSERT_EQ(child.Finish().status, Process::kKilled);
     EXPECT_TRUE(HoldsUniform(store));
   }
   EXPECT_TRUE(store.Update("a", [](SaTable &) {})) << "lock left behind";

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <algorithm>
+#include <iterator>
+#include <sstream>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -10,8 +12,8 @@
 #include "kvrapi/table_formats.h"
 
 #include "fabric/description.h"
-#include "process.h"
 #include "scratch_folder.h"
+#include "support/process.h"
 
 using Json = nlohmann::json;
 
@@ -28,12 +30,18 @@ class FabricFolder : public testing::Test {
 
   void Save() const { fabric::SaveDescription(folder.Path(), network); }
 
-  [[nodiscard]] std::string Line(const std::string &host, const std::string &command) const {
-    return command + " --host " + host + " --fabric " + folder.Path().string();
+  // kvrctl as a host runs it; the words of the command have no blanks.
+  [[nodiscard]] std::vector<std::string> Words(const std::string &host,
+                                               const std::string &command) const {
+    std::istringstream stream(command);
+    std::vector<std::string> words = {KVRCTL_PATH};
+    words.insert(words.end(), std::istream_iterator<std::string>(stream), {});
+    words.insert(words.end(), {"--host", host, "--fabric", folder.Path().string()});
+    return words;
   }
 
   [[nodiscard]] Result Run(const std::string &host, const std::string &command) const {
-    return Process(Line(host, command)).Finish();
+    return Process(Words(host, command)).Finish();
   }
 
   // Runs the commands as h1; false when one fails.

@@ -40,7 +40,9 @@ TEST_F(Refusals, NameTheCauseThePlaceAndTheWayOut) {
            {"h1", "group show a\\/b", 2, "AMBIGUOUS_GROUP", "@h2"},
            {"h1", "group create a/b --client h4", 2, "NO_SUCH_GROUP", "'a'"},
            {"h1", "group create @h2 --client h4", 2, "INVALID_PATH", "new group"},
+#if !defined(_WIN32)  // where a command line is UTF-16
            {"h1", "group create \xff --client h4", 2, "INVALID_PATH", "UTF-8"},
+#endif
            {"h1", "fabric new " + folder.Path().string() + " --hosts 3", 2, "FABRIC_EXISTS",
             "already"},
            {"h1", "fabric set h9 --up", 2, "NO_SUCH_HOST", "'h9'"},

@@ -32,7 +32,8 @@ class Story : public FabricFolder {
     const std::string hint = answer["error"]["hint"];
     const std::size_t first = hint.rfind("`kvrctl ") + 7, last = hint.rfind('`');
     const std::string words = hint.substr(first, last - first) + " --host h1 --fabric ";
-    return std::system((KVRCTL_PATH + words + folder.Path().string() + " >/dev/null 2>&1").c_str());
+    const std::string program = std::filesystem::path(KVRCTL_PATH).make_preferred().string();
+    return RunInShell(program + words + folder.Path().string());
   }
 
   // The first key of a host's stored table.

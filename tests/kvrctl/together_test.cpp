@@ -24,9 +24,9 @@ TEST_F(Together, ReadersAndWritersOfDifferentHostsDoNotDisturbEachOther) {
   ASSERT_TRUE(RunAll({Adding(2, 9), "group create a --client h2 --reserve 3",
                       "group create b --client h3 --reserve 3", "group add-server a h4 h5",
                       "group add-server b h6 h7"}));
-  Process writers[] = {Process(Line("h2", "group create c --client h4")),
-                       Process(Line("h3", "group create c --client h6")),
-                       Process(Line("h1", Adding(10, kHosts)))};
+  Process writers[] = {Process(Words("h2", "group create c --client h4")),
+                       Process(Words("h3", "group create c --client h6")),
+                       Process(Words("h1", Adding(10, kHosts)))};
   for (int i = 0; i < 5; ++i)
     EXPECT_EQ(ResultOf("h1", "tree").at(0)["servers"], Json({"h4", "h5"}));
   for (Process &writer : writers) EXPECT_EQ(writer.Finish().status, 0);
@@ -38,10 +38,10 @@ TEST_F(Together, ReadersAndWritersOfDifferentHostsDoNotDisturbEachOther) {
 
 // The trace holds the writer back: it gets at most a page of lines ahead of the test that reads it.
 TEST_F(Together, AKilledWriterLeavesWholeTablesAndCanBeRepeated) {
-  Process writer(Line("h1", Adding(2, kHosts) + " --trace"));
+  Process writer(Words("h1", Adding(2, kHosts) + " --trace"));
   ASSERT_TRUE(writer.ReadErrorsUntil("TQ_WriteSaTable host h4 "));
   writer.Kill();
-  EXPECT_EQ(writer.Finish().status, 128 + SIGKILL);
+  EXPECT_EQ(writer.Finish().status, Process::kKilled);
 
   const std::size_t images = WholeImages();
   EXPECT_GE(images, 4u);

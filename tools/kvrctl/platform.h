@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kvrctl {
@@ -12,6 +13,12 @@ std::vector<std::string> CommandLine(int argc, char **argv);
 
 // Lets a terminal take what is printed as UTF-8, and files take it unchanged.
 void PrepareOutput();
+
+// The ASCII characters beside letters and digits that mean nothing to the system's shell.
+extern const std::string_view kPlainInShell;
+
+// A word in quotes, as the system's shell takes it for one.
+std::string QuotedForShell(const std::string &word);
 
 // Sets a variable of this process's environment, so that the libraries it loads see it.
 void SetEnvironment(const char *name, const std::string &value);

@@ -32,6 +32,20 @@ void PrepareOutput() {
   _setmode(_fileno(stderr), _O_BINARY);
 }
 
+const std::string_view kPlainInShell = "-_./@:+\\";
+
+// Backslashes are letters but in front of a quote.
+std::string QuotedForShell(const std::string &word) {
+  std::string quoted = "\"";
+  std::size_t backslashes = 0;
+  for (const char c : word) {
+    if (c == '"') quoted.append(backslashes + 1, '\\');
+    backslashes = c == '\\' ? backslashes + 1 : 0;
+    quoted += c;
+  }
+  return quoted.append(backslashes, '\\') + '"';
+}
+
 void SetEnvironment(const char *name, const std::string &value) {
   _wputenv_s(fabric::PathOf(name).c_str(), fabric::PathOf(value).c_str());
 }

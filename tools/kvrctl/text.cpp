@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include "platform.h"
+
 namespace kvrctl {
 namespace {
 
@@ -89,17 +91,13 @@ std::size_t Width(std::string_view text) {
   return width;
 }
 
-// A word as it is where a shell takes it so, else in single quotes.
-std::string Quoted(const std::string &word) {
+// A word as it is where a shell takes it so, else in quotes.
+std::string ShellWord(const std::string &word) {
   const bool plain = std::all_of(word.begin(), word.end(), [](unsigned char c) {
     return c >= 0x80 || std::isalnum(c) != 0 ||
-           std::string_view("-_./@:,+=%").find(static_cast<char>(c)) != std::string_view::npos;
+           kPlainInShell.find(static_cast<char>(c)) != std::string_view::npos;
   });
-  if (plain && !word.empty()) return word;
-  std::string quoted = "'";
-  for (const char c : word)
-    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
+  return plain && !word.empty() ? word : QuotedForShell(word);
 }
 
 }  // namespace
@@ -176,7 +174,7 @@ std::vector<std::string> Naming(std::vector<std::string> command,
 std::string CommandText(const std::vector<std::string> &words) {
   std::string text;
   for (const std::string &word : words)
-    text += (text.empty() ? "" : " ") + Quoted(word);
+    text += (text.empty() ? "" : " ") + ShellWord(word);
   return text;
 }
 
