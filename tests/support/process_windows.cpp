@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <io.h>
+#include <process.h>
 
 #include <windows.h>
 
@@ -13,59 +14,38 @@ std::wstring Wide(const std::string &utf8) {
   return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
 }
 
-HANDLE MakeScratchFile() {
-  wchar_t folder[MAX_PATH], file[MAX_PATH];
-  GetTempPathW(MAX_PATH, folder);
-  GetTempFileNameW(folder, L"kvr", 0, file);
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  return CreateFileW(file, GENERIC_READ | GENERIC_WRITE, 0, &inherited, CREATE_ALWAYS,
-                     FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-}
-
-std::FILE *ToRead(HANDLE handle) {
-  const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_RDONLY);
-  return _fdopen(descriptor, "rb");
-}
-
-HANDLE HandleOf(std::intptr_t id) { return reinterpret_cast<HANDLE>(id); }
-
 }  // namespace
 
+// A process gets the standard streams that its parent has at the time.
 void Process::Start(const std::vector<std::string> &words) {
-  std::wstring line;
+  std::vector<std::wstring> wide;
   for (const std::string &word : words)
-    line += word.find(' ') == std::string::npos ? Wide(word) + L" " : L'"' + Wide(word) + L"\" ";
-  SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-  HANDLE read = nullptr, write = nullptr;
-  if (CreatePipe(&read, &write, &inherited, 4096) == 0) std::abort();
-  SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
-  const HANDLE out = MakeScratchFile();
-  STARTUPINFOW start{};
-  start.cb = sizeof start;
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = out;
-  start.hStdError = write;
-  PROCESS_INFORMATION process{};
-  if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                     &process) == 0) {
-    std::abort();
+    wide.push_back(word.find(' ') == std::string::npos ? Wide(word) : L'"' + Wide(word) + L'"');
+  std::vector<const wchar_t *> argv;
+  for (const std::wstring &word : wide) argv.push_back(word.c_str());
+  argv.push_back(nullptr);
+  int ends[2];
+  if (_pipe(ends, 4096, _O_BINARY | _O_NOINHERIT) != 0) std::abort();
+  out_ = _wfopen(_wtempnam(nullptr, L"kvr"), L"w+bDN");
+  err_ = _fdopen(ends[0], "rb");
+  const int ours[] = {_dup(1), _dup(2)};
+  std::fflush(nullptr);
+  _dup2(_fileno(out_), 1);
+  _dup2(ends[1], 2);
+  id_ = _wspawnv(_P_NOWAIT, Wide(words[0]).c_str(), argv.data());
+  for (const int stream : {1, 2}) {
+    _dup2(ours[stream - 1], stream);
+    _close(ours[stream - 1]);
   }
-  SetHandleInformation(out, HANDLE_FLAG_INHERIT, 0);
-  CloseHandle(process.hThread);
-  CloseHandle(write);
-  id_ = reinterpret_cast<std::intptr_t>(process.hProcess);
-  out_ = ToRead(out);
-  err_ = ToRead(read);
+  _close(ends[1]);
 }
 
-void Process::Kill() const { TerminateProcess(HandleOf(id_), kKilled); }
+void Process::Kill() const { TerminateProcess(reinterpret_cast<HANDLE>(id_), kKilled); }
 
 int Process::Wait() {
-  DWORD status = 0;
-  WaitForSingleObject(HandleOf(id_), INFINITE);
-  GetExitCodeProcess(HandleOf(id_), &status);
-  CloseHandle(HandleOf(id_));
-  return static_cast<int>(status);
+  int status = -1;
+  _cwait(&status, id_, 0);
+  return status;
 }
 
 int RunInShell(const std::string &line) { return _wsystem((Wide(line) + L" >NUL 2>&1").c_str()); }
