@@ -21,8 +21,8 @@ std::shared_ptr<Network> CurrentNetwork();
 // Waits for the end of a discovery callback that the network given up is in, unless called from it.
 void SetCurrentNetwork(std::shared_ptr<Network> network);
 
-// Leaves the network as it is for good, without the end of anything that it does: for a library whose
-// process has stopped all its other threads.
+// Leaves the network as it is for good, without the end of anything that it does: for a library
+// whose process has stopped all its other threads.
 void AbandonCurrentNetwork();
 
 // What the call answers for the current network, or the failure when it throws: the caller is C.

@@ -316,7 +316,8 @@ std::filesystem::path DescriptionFile(const std::filesystem::path &folder) {
 
 std::string ReadDescriptionText(const std::filesystem::path &file) {
   std::error_code ignored;
-  const auto text = std::filesystem::is_regular_file(file, ignored) ? ReadContent(file) : std::nullopt;
+  const auto text =
+      std::filesystem::is_regular_file(file, ignored) ? ReadContent(file) : std::nullopt;
   if (!text) {
     throw DescriptionError(file.string() +
                            ":1: cannot be read; name the folder of a fabric, or make one with "

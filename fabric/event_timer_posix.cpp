@@ -1,9 +1,9 @@
-#include "fabric/event_timer.h"
-
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <utility>
+
+#include "fabric/event_timer.h"
 
 namespace fabric {
 

@@ -1,10 +1,9 @@
-#include "fabric/event_timer.h"
-
 #include <algorithm>
 #include <mutex>
 #include <utility>
-
 #include <windows.h>
+
+#include "fabric/event_timer.h"
 
 namespace fabric {
 
@@ -35,8 +34,8 @@ void EventTimer::State::Schedule() const {
   SetThreadpoolTimer(timer, &time, 0, 0);
 }
 
-// The function, unless it was cancelled or put off after the timer went off, or the one before it is
-// not at its end.
+// The function, unless it was cancelled or put off after the timer went off, or the one before it
+// is not at its end.
 std::function<void()> EventTimer::State::TakeDue() {
   if (!function || thread != 0) return nullptr;
   if (std::chrono::steady_clock::now() < due) {

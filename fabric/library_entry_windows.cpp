@@ -1,12 +1,14 @@
 // How Windows takes an outside library out of a process.
-#include "fabric/current.h"
-
 #include <windows.h>
 
-namespace __gnu_cxx {
+#include "fabric/current.h"
+
 // Of the C++ runtime inside the library: gives back the memory that it keeps for exceptions.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
+namespace __gnu_cxx {
 void __freeres();
-}  // namespace __gnu_cxx
+}
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 // At the end of a process its other threads are gone already, wherever they were: nothing that they
 // held can be had or waited for any more, and the system takes all of it back. A library that is

@@ -29,8 +29,8 @@ class FileLock {
   std::error_code error_;
 };
 
-// The file's content, or its first bytes up to the limit; none when it can't be read. Of a file that
-// is being replaced it is the old or the new content.
+// The file's content, or its first bytes up to the limit; none when it can't be read. Of a file
+// that is being replaced it is the old or the new content.
 std::optional<std::string> ReadContent(const std::filesystem::path &file,
                                        std::size_t limit = std::string::npos);
 

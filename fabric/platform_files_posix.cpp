@@ -1,5 +1,3 @@
-#include "fabric/platform_files.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -7,6 +5,8 @@
 #include <unistd.h>
 
 #include <sys/file.h>
+
+#include "fabric/platform_files.h"
 
 namespace fabric {
 namespace {

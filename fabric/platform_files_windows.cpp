@@ -1,22 +1,21 @@
-#include "fabric/platform_files.h"
-
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <regex>
-
 #include <windows.h>
+
+#include "fabric/platform_files.h"
 
 namespace fabric {
 namespace {
 
 // The whole file, and whatever lies beyond its end.
-constexpr DWORD ALL = MAXDWORD;
+constexpr DWORD kAll = MAXDWORD;
 
-// Whoever has a file open, if only to look it through for viruses, keeps it from being replaced, and
-// one that is being replaced can't be opened. Both pass in a moment.
-constexpr int ATTEMPTS = 2000;
-constexpr DWORD BETWEEN_ATTEMPTS_MS = 2;
+// Whoever has a file open, if only to look it through for viruses, keeps it from being replaced,
+// and one that is being replaced can't be opened. Both pass in a moment.
+constexpr int kAttempts = 2000;
+constexpr DWORD kPauseMs = 2;
 
 std::error_code LastError() {
   return {static_cast<int>(GetLastError()), std::system_category()};
@@ -31,8 +30,8 @@ bool MayPass(DWORD error) {
 template <class Attempt>
 bool Patiently(Attempt attempt) {
   for (int i = 1; !attempt(); ++i) {
-    if (i == ATTEMPTS || !MayPass(GetLastError())) return false;
-    Sleep(BETWEEN_ATTEMPTS_MS);
+    if (i == kAttempts || !MayPass(GetLastError())) return false;
+    Sleep(kPauseMs);
   }
   return true;
 }
@@ -41,10 +40,10 @@ bool Patiently(Attempt attempt) {
 class OpenFile {
  public:
   OpenFile(const std::filesystem::path &file, DWORD access, DWORD disposition) {
-    constexpr DWORD SHARE = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     Patiently([&] {
-      value_ = CreateFileW(file.c_str(), access, SHARE, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
-                           nullptr);
+      value_ = CreateFileW(file.c_str(), access, kShare, nullptr, disposition,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
       return value_ != INVALID_HANDLE_VALUE;
     });
   }
@@ -81,7 +80,7 @@ FileLock::FileLock(const std::filesystem::path &file) {
   handle_ = reinterpret_cast<std::intptr_t>(handle);
   OVERLAPPED fromStart{};
   if (handle == INVALID_HANDLE_VALUE ||
-      LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK, 0, ALL, ALL, &fromStart) == 0) {
+      LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK, 0, kAll, kAll, &fromStart) == 0) {
     error_ = LastError();
   }
 }
@@ -90,7 +89,7 @@ FileLock::~FileLock() {
   const HANDLE handle = reinterpret_cast<HANDLE>(handle_);
   if (handle == INVALID_HANDLE_VALUE) return;
   OVERLAPPED fromStart{};
-  UnlockFileEx(handle, 0, ALL, ALL, &fromStart);
+  UnlockFileEx(handle, 0, kAll, kAll, &fromStart);
   CloseHandle(handle);
 }
 
@@ -116,9 +115,9 @@ std::error_code ReplaceContent(const std::filesystem::path &file, const void *co
   std::filesystem::path scratch = file;
   scratch += ".tmp";
   if (auto error = WriteFlushed(scratch, content, size)) return error;
-  constexpr DWORD HOW = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
   const bool moved =
-      Patiently([&] { return MoveFileExW(scratch.c_str(), file.c_str(), HOW) != 0; });
+      Patiently([&] { return MoveFileExW(scratch.c_str(), file.c_str(), kHow) != 0; });
   return moved ? std::error_code() : LastError();
 }
 

@@ -3,10 +3,12 @@
 #if defined(_WIN32)
 #include <windows.h>
 
-namespace __gnu_cxx {
 // Of the C++ runtime inside the library: gives back the memory that it keeps for exceptions.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
+namespace __gnu_cxx {
 void __freeres();
-}  // namespace __gnu_cxx
+}
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_DETACH) {

@@ -82,9 +82,9 @@ TEST_P(Detach, LeavesNothingBehind) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, Detach,
-                         testing::Values(Way{"Known", true, false, 40},
+                         testing::Values(Way{"Known", true, false, 24},
                                          Way{"Announced", false, false, 5},
-                                         Way{"BeforeTheEvent", false, true, 40}),
+                                         Way{"BeforeTheEvent", false, true, 24}),
                          [](const auto &way) { return way.param.name; });
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <malloc.h>
 #include <stdexcept>
-
 #include <windows.h>
 
 #include "loaded_library.h"

@@ -55,8 +55,8 @@ const std::vector<std::string> kFunctions = Words(
     "SyncDiscovery DeleteKVR");
 
 // One history over some of the kinds of change: all, or those of a set, which the first row tells.
-// The stage that all begin from gives it something to work on. Returns the checksum of all tables in
-// the end (FNV-1a).
+// The stage that all begin from gives it something to work on. Returns the checksum of all tables
+// in the end (FNV-1a).
 std::string Live(const Rows &history, bool faults) {
   const unsigned kinds = history[0][0] == 0 ? ~0u : history[0][1];
   const World world({"A 0=3 1=4 2=8 3=8 4=8 5=8", "B 1=1 2=14 3=18 4=10 5=10 s0",

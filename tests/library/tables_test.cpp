@@ -56,12 +56,15 @@ TEST(LocalTable, KeepsNewContentThatCouldNotBeStored) {
 TEST(HostNames, AreStoredInBothFormsWithTheBytesOfEachWordReversed) {
   using namespace std::string_literals;
   const std::string digits = "0123456789012345678901234567890";
-  const std::tuple<std::string, std::basic_string<KVR_WCHAR>, std::string, std::basic_string<KVR_WCHAR>> cases[] = {
+  using WideText = std::basic_string<KVR_WCHAR>;
+  // clang-format off
+  const std::tuple<std::string, WideText, std::string, WideText> cases[] = {
       // given in 8 bits, or else in 16; the 8-bit block but for zeros, the 16-bit name as read back
       {digits, WIDE(""), "3210765410985432987632107654\0"s + "098", {digits.begin(), digits.end()}},
       {"\xE9t\xFF", WIDE(""), "\0\xFFt\xE9"s, WIDE("\u00E9t\u00FF")},
       {"", WIDE("\u00E9t\u0416x"), "\0\0t\xE9"s, WIDE("\u00E9t\u0416x")},
       {"", WIDE("\u0416"), "", WIDE("\u0416")}};
+  // clang-format on
   const World world({"M", "A 7=1 s9"});
   world.As("M");
   KVR_SYSTEM a = System("A");

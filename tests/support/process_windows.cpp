@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <io.h>
 #include <process.h>
-
 #include <windows.h>
 
 #include "support/process.h"

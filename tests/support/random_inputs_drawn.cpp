@@ -1,11 +1,10 @@
 #include <cstdlib>
 #include <fstream>
 #include <optional>
-
-#include <gtest/gtest.h>
 #include <rapidcheck.h>
 
 #include <fmt/ranges.h>
+#include <gtest/gtest.h>
 
 #include "support/random_inputs.h"
 

@@ -207,7 +207,9 @@ std::uint32_t Make(const World &world, const Change &change) {
       {"AssignNewMSC", [&] { return AssignNewMsc(world, system); }},
       {"CreateAsgA", [&] { return Create(change.group, change.host, count); }},
       {"CreateAsgW",
-       [&] { return KVR_CreateAsgW(group, WIDE("\u0416"), system, count ? &count : nullptr, nullptr); }},
+       [&] {
+         return KVR_CreateAsgW(group, WIDE("\u0416"), system, count ? &count : nullptr, nullptr);
+       }},
       {"RenameAsgA", [&] { return KVR_RenameAsgA(group, change.host.c_str()); }},
       {"RenameAsgW", [&] { return KVR_RenameAsgW(group, WIDE("\u0416")); }},
       {"DeleteAsg", [&] { return KVR_DeleteAsg(group); }},

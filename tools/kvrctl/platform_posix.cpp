@@ -1,6 +1,6 @@
-#include "platform.h"
-
 #include <stdlib.h>
+
+#include "platform.h"
 
 namespace kvrctl {
 

@@ -1,15 +1,11 @@
-#include "platform.h"
-
 #include <cstdio>
-#include <memory>
-
 #include <fcntl.h>
 #include <io.h>
+#include <memory>
 #include <windows.h>
 
-#include <shellapi.h>
-
 #include "fabric/platform_files.h"
+#include "platform.h"
 #include "text.h"
 
 namespace kvrctl {
