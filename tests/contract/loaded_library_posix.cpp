@@ -27,6 +27,7 @@ bool LoadedLibrary::IsInProcess(const std::string &path) {
 }
 
 Holdings HoldingsNow() {
+  mallopt(M_ARENA_MAX, 1);  // that all threads have their memory from what is counted
   const std::filesystem::directory_iterator files("/proc/self/fd");
   return {mallinfo2().uordblks, static_cast<std::size_t>(std::distance(begin(files), end(files)))};
 }
