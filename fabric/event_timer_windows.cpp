@@ -90,12 +90,12 @@ void EventTimer::Stop() {
     state_->ending = true;
     state_->function = nullptr;
     timer = std::exchange(state_->timer, nullptr);
+    if (timer == nullptr) return;
     // The function itself is not waited for by what it calls.
     if (state_->thread == GetCurrentThreadId()) {
       DisassociateCurrentThreadFromCallback(state_->instance);
     }
   }
-  if (timer == nullptr) return;
   SetThreadpoolTimer(timer, nullptr, 0, 0);
   WaitForThreadpoolTimerCallbacks(timer, TRUE);
   CloseThreadpoolTimer(timer);

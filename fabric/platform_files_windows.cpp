@@ -12,9 +12,12 @@ namespace {
 // The whole file, and whatever lies beyond its end.
 constexpr DWORD kAll = MAXDWORD;
 
+// Others may do with an open file what they like.
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
 // Whoever has a file open, if only to look it through for viruses, keeps it from being replaced,
 // and one that is being replaced can't be opened. Both pass in a moment.
-constexpr int kAttempts = 2000;
+constexpr ULONGLONG kPatienceMs = 2000;
 constexpr DWORD kPauseMs = 2;
 
 std::error_code LastError() {
@@ -29,20 +32,20 @@ bool MayPass(DWORD error) {
 // Calls until it succeeds, or fails for good.
 template <class Attempt>
 bool Patiently(Attempt attempt) {
-  for (int i = 1; !attempt(); ++i) {
-    if (i == kAttempts || !MayPass(GetLastError())) return false;
+  const ULONGLONG limit = GetTickCount64() + kPatienceMs;
+  while (!attempt()) {
+    if (!MayPass(GetLastError()) || GetTickCount64() > limit) return false;
     Sleep(kPauseMs);
   }
   return true;
 }
 
-// An open file that is closed at the end of its block. Others may do with it what they like.
+// An open file that is closed at the end of its block.
 class OpenFile {
  public:
   OpenFile(const std::filesystem::path &file, DWORD access, DWORD disposition) {
-    constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     Patiently([&] {
-      value_ = CreateFileW(file.c_str(), access, kShare, nullptr, disposition,
+      value_ = CreateFileW(file.c_str(), access, kShareAll, nullptr, disposition,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
       return value_ != INVALID_HANDLE_VALUE;
     });
@@ -73,10 +76,14 @@ std::error_code WriteFlushed(const std::filesystem::path &file, const void *cont
 
 }  // namespace
 
+// Nobody replaces the lock file, so that access denied is for good.
 FileLock::FileLock(const std::filesystem::path &file) {
-  const HANDLE handle =
-      CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  HANDLE handle = INVALID_HANDLE_VALUE;
+  Patiently([&] {
+    handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, kShareAll, nullptr,
+                         OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return handle != INVALID_HANDLE_VALUE || GetLastError() == ERROR_ACCESS_DENIED;
+  });
   handle_ = reinterpret_cast<std::intptr_t>(handle);
   OVERLAPPED fromStart{};
   if (handle == INVALID_HANDLE_VALUE ||
@@ -126,17 +133,21 @@ std::error_code RemoveFile(const std::filesystem::path &file) {
   return removed ? std::error_code() : LastError();
 }
 
-// Letters have no case, and some names are devices with any extension.
+// Letters have no case. Some names are devices, also with blanks behind them and any extension.
 std::string FileKey(const std::string &name) {
   std::string key = name;
   std::ranges::transform(key, key.begin(), [](unsigned char c) { return std::tolower(c); });
-  const std::regex device("(con|prn|aux|nul|com[0-9]|lpt[0-9])(\\..*)?");
+  const std::regex device("(con|prn|aux|nul|conin\\$|conout\\$|com[0-9]|lpt[0-9]) *(\\..*)?");
   return std::regex_match(key, device) ? "" : key;
 }
 
+// Of the process, not of the C runtime: that keeps a copy, and a program may have several of it.
 std::optional<std::string> Environment(const char *name) {
-  const wchar_t *value = _wgetenv(PathOf(name).c_str());
-  if (value == nullptr || *value == L'\0') return std::nullopt;
+  const auto wide = PathOf(name);
+  std::wstring value(GetEnvironmentVariableW(wide.c_str(), nullptr, 0), L'\0');
+  value.resize(
+      GetEnvironmentVariableW(wide.c_str(), value.data(), static_cast<DWORD>(value.size())));
+  if (value.empty()) return std::nullopt;
   return std::filesystem::path(value).string();
 }
 

@@ -21,7 +21,7 @@ struct Way {
   int lives;
 };
 
-class Detach : public testing::TestWithParam<Way> {};
+class Unload : public testing::TestWithParam<Way> {};
 
 // One life of the library in this process; the first one makes a configuration of all hosts.
 void Live(const Way &way, bool first) {
@@ -61,7 +61,7 @@ Holdings Growth(int lives, Life life) {
   return {now.bytes - settled.bytes, now.handles - settled.handles};
 }
 
-TEST_P(Detach, LeavesNothingBehind) {
+TEST_P(Unload, LeavesNothingBehind) {
   const Way way = GetParam();
   const ScratchFolder folder;
   fabric::Description network = fabric::MakeDescription(kHosts, 1);
@@ -83,7 +83,18 @@ TEST_P(Detach, LeavesNothingBehind) {
   EXPECT_EQ(used.handles, 0u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, Detach,
+TEST(Detach, EndsAProcessInTheMiddleOfADiscovery) {
+  const ScratchFolder folder;
+  fabric::Description network = fabric::MakeDescription(kHosts, 1);
+  network.knownAtStart = false;
+  fabric::SaveDescription(folder.Path(), network);
+  SetVariable("KVR_FABRIC", folder.Path().string());
+  SetVariable("KVR_HOST", network.hosts[0].name);
+  for (const char *when : {"early", "late"})
+    EXPECT_EQ(Process({LEAVER, when}).Finish().status, 7) << when;
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, Unload,
                          testing::Values(Way{"Known", true, false, 24},
                                          Way{"Announced", false, false, 5},
                                          Way{"BeforeTheEvent", false, true, 24}),

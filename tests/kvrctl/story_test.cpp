@@ -171,8 +171,10 @@ TEST_F(Story, CanBeRepeatedAfterAFailureInTheMiddle) {
            {"TQ_WriteKeyTable", "renew-keys", {"h2", "h3", "h5"}},
            {"TQ_WriteAccessControlTable", "switch-access on", {"h2", "h3", "h5"}},
            {"TQ_WriteAccessControlTable", "switch-access off", {"h2", "h3", "h5"}},
-           {"TQ_WriteAccessControlTable", "group create it's --client h5 --server h4 h3", {"h3"}},
-           {"TQ_WriteAccessControlTable", "group delete it's", {"h3"}},
+           {"TQ_WriteAccessControlTable",
+            "group create it's\"&x --client h5 --server h4 h3",
+            {"h3"}},
+           {"TQ_WriteAccessControlTable", "group delete it's\"&x", {"h3"}},
            {"TQ_WriteAccessControlTable", "group remove-server sales h3 h4", {"h3"}},
        }) {
     SCOPED_TRACE(command);

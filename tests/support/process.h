@@ -17,7 +17,7 @@ class Process {
  public:
   static constexpr int kKilled = 128 + 9;
 
-  // The program's path and its arguments, in UTF-8 and without quotes.
+  // The program's path and its arguments, in UTF-8.
   explicit Process(const std::vector<std::string> &words);
   Process(const Process &) = delete;
   ~Process();

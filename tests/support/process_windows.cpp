@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <io.h>
 #include <process.h>
+#include <regex>
 #include <windows.h>
 
 #include "support/process.h"
@@ -19,7 +20,7 @@ std::wstring Wide(const std::string &utf8) {
 void Process::Start(const std::vector<std::string> &words) {
   std::vector<std::wstring> wide;
   for (const std::string &word : words)
-    wide.push_back(word.find(' ') == std::string::npos ? Wide(word) : L'"' + Wide(word) + L'"');
+    wide.push_back(L'"' + std::regex_replace(Wide(word), std::wregex(L"\""), L"\\\"") + L'"');
   std::vector<const wchar_t *> argv;
   for (const std::wstring &word : wide) argv.push_back(word.c_str());
   argv.push_back(nullptr);

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
 #include <memory>
@@ -23,6 +24,8 @@ std::vector<std::string> CommandLine(int /*argc*/, char ** /*argv*/) {
 }
 
 void PrepareOutput() {
+  static const UINT former = GetConsoleOutputCP();
+  std::atexit([] { SetConsoleOutputCP(former); });
   SetConsoleOutputCP(CP_UTF8);
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
@@ -30,7 +33,9 @@ void PrepareOutput() {
 
 const std::string_view kPlainInShell = "-_./@:+\\";
 
-// Backslashes are letters but in front of a quote.
+// First as a program takes its command line apart, where backslashes are letters but in front of a
+// quote. cmd knows no quote inside quotes and replaces %NAME% even there, so in a word with such
+// letters every one that means something to cmd gets a caret. (In a batch file no caret keeps a %.)
 std::string QuotedForShell(const std::string &word) {
   std::string quoted = "\"";
   std::size_t backslashes = 0;
@@ -39,11 +44,18 @@ std::string QuotedForShell(const std::string &word) {
     backslashes = c == '\\' ? backslashes + 1 : 0;
     quoted += c;
   }
-  return quoted.append(backslashes, '\\') + '"';
+  quoted.append(backslashes, '\\') += '"';
+  if (word.find_first_of("\"%") == std::string::npos) return quoted;
+  std::string escaped;
+  for (const char c : quoted) {
+    if (std::string_view("\"&|<>^()%!").find(c) != std::string_view::npos) escaped += '^';
+    escaped += c;
+  }
+  return escaped;
 }
 
 void SetEnvironment(const char *name, const std::string &value) {
-  _wputenv_s(fabric::PathOf(name).c_str(), fabric::PathOf(value).c_str());
+  SetEnvironmentVariableW(fabric::PathOf(name).c_str(), fabric::PathOf(value).c_str());
 }
 
 }  // namespace kvrctl
