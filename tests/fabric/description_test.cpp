@@ -7,34 +7,37 @@
 using namespace fabric;
 
 const std::string kHost = "[[host]]\nname = \"a\"\n";
+// A host whose name makes the same file as that one's, and a name that makes none.
+#if defined(_WIN32)
+const std::string kTwin = "[[host]]\nname = \"A\"\n", kNoFile = "Aux .x";
+#else
+const std::string kTwin = kHost, kNoFile = "a/x";
+#endif
 const std::string kAdapter = "[[host.adapter]]\nid = \"2000000000000001\"\n";
 
 TEST(Description, BadFilesAreRefusedWithLineAndReason) {
   const std::tuple<std::string, int, std::string> cases[] = {
-    // text, line, reason
-    {"[[host]\n", 1, ""},
-    {"\n[discovry]\n", 2, "unknown key 'discovry'"},
-    {"[discovery]\ndelay_ms = -1", 2, "from 0 to 4294967295"},
-    {"host = [1]", 1, "[[host]]"},
-    {"\n[[host]]\nup = true", 2, "needs a line name"},
-    {"[[host]]\nname = \"" + std::string(32, 'x') + "\"", 2, "1 to 31"},
-    {"[[host]]\nname = \"../a\"", 2, "file name"},
-    {kHost + "\n" + kHost, 5, "already described"},
-#if defined(_WIN32)  // where names that differ make the same file, or none
-    {"[[host]]\nname = \"A\"\n" + kHost, 4, "already described"},
-    {"[[host]]\nname = \"Aux .x\"", 2, "no file of that name"},
-#endif
-    {kHost + "wide_name = \"" + std::string(30, 'x') + "\xF0\x9F\x92\xBE\"", 3, "this one 32"},
-    {kHost + "wide_name = \"a\\u0000b\"", 3, "zero character"},
-    {kHost + "[[host.adapter]]\nid = \"20000000000000g1\"", 4, "16 hexadecimal"},
-    {kHost + kAdapter + "credental = \"\"", 5, "has id, credential, reach, up"},
-    {kHost + kAdapter + "reach = [\n  \"2000000000000009\",\n  \"\" ]", 7, "16 hexadecimal"},
-    {kHost + kAdapter + "reach = [1, 2, 3, 4, 5, 6]", 5, "at most 5"},
-    {kHost + kAdapter + "[[host]]\nname = \"b\"\n" + kAdapter, 8, "already described"},
-    {"[[fault]]\nhost = \"a\"\nfunction = \"*\"", 2, "no host 'a'"},
-    {kHost + "[[fault]]\nhost = \"a\"\nfunction = \"TQ_Read\"", 5, "TQ_Read"},
-    {kHost + "[[fault]]\nhost = \"a\"\nadapter = 0\nfunction = \"*\"", 5, "has 0 adapters"},
-    {kHost + "[[fault]]\nhost = \"a\"\nfunction = \"*\"\nfirst_call = 0", 6, "from 1"},
+      // text, line, reason
+      {"[[host]\n", 1, ""},
+      {"\n[discovry]\n", 2, "unknown key 'discovry'"},
+      {"[discovery]\ndelay_ms = -1", 2, "from 0 to 4294967295"},
+      {"host = [1]", 1, "[[host]]"},
+      {"\n[[host]]\nup = true", 2, "needs a line name"},
+      {"[[host]]\nname = \"" + std::string(32, 'x') + "\"", 2, "1 to 31"},
+      {"[[host]]\nname = \"../a\"", 2, "file name"},
+      {kHost + "\n" + kTwin, 5, "already described"},
+      {"[[host]]\nname = \"" + kNoFile + "\"", 2, "file"},
+      {kHost + "wide_name = \"" + std::string(30, 'x') + "\xF0\x9F\x92\xBE\"", 3, "this one 32"},
+      {kHost + "wide_name = \"a\\u0000b\"", 3, "zero character"},
+      {kHost + "[[host.adapter]]\nid = \"20000000000000g1\"", 4, "16 hexadecimal"},
+      {kHost + kAdapter + "credental = \"\"", 5, "has id, credential, reach, up"},
+      {kHost + kAdapter + "reach = [\n  \"2000000000000009\",\n  \"\" ]", 7, "16 hexadecimal"},
+      {kHost + kAdapter + "reach = [1, 2, 3, 4, 5, 6]", 5, "at most 5"},
+      {kHost + kAdapter + "[[host]]\nname = \"b\"\n" + kAdapter, 8, "already described"},
+      {"[[fault]]\nhost = \"a\"\nfunction = \"*\"", 2, "no host 'a'"},
+      {kHost + "[[fault]]\nhost = \"a\"\nfunction = \"TQ_Read\"", 5, "TQ_Read"},
+      {kHost + "[[fault]]\nhost = \"a\"\nadapter = 0\nfunction = \"*\"", 5, "has 0 adapters"},
+      {kHost + "[[fault]]\nhost = \"a\"\nfunction = \"*\"\nfirst_call = 0", 6, "from 1"},
   };
   const ScratchFolder folder;
   for (const auto &[text, line, reason] : cases) {
