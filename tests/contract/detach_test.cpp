@@ -80,7 +80,7 @@ TEST_P(Unload, LeavesNothingBehind) {
   const Holdings used = Growth(way.lives, [&] { Live(way, false); });
   const auto more = static_cast<std::ptrdiff_t>(used.bytes - unused.bytes);
   EXPECT_LT(more, 256 + 48 * way.lives);
-  EXPECT_EQ(used.handles, 0u);
+  EXPECT_LE(static_cast<std::ptrdiff_t>(used.handles), 0) << "or fewer: idle threads end";
 }
 
 TEST(Detach, EndsAProcessInTheMiddleOfADiscovery) {
