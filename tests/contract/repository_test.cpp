@@ -18,7 +18,7 @@ using Visit = std::function<void(const std::string &line, const std::string &whe
 // Every file that was written by hand, by its path from the root.
 void ForEachFile(const std::regex &wanted, const std::function<void(const std::string &)> &visit) {
   for (const char *room : {"include", "src", "fabric", "tools", "tests", "fuzz", "bench",
-                           "examples", "docs", "script", "cmake", ".ci"}) {
+                           "examples", "docs", "script", "cmake", "packaging", ".ci"}) {
     const fs::path folder = fs::path(SOURCE_DIR) / room;
     if (!fs::exists(folder)) continue;
     for (const auto &entry : fs::recursive_directory_iterator(folder)) {
