@@ -316,14 +316,13 @@ std::filesystem::path DescriptionFile(const std::filesystem::path &folder) {
 
 std::string ReadDescriptionText(const std::filesystem::path &file) {
   std::error_code ignored;
-  const auto text =
-      std::filesystem::is_regular_file(file, ignored) ? ReadContent(file) : std::nullopt;
+  auto text = std::filesystem::is_regular_file(file, ignored) ? ReadContent(file) : std::nullopt;
   if (!text) {
     throw DescriptionError(file.string() +
                            ":1: cannot be read; name the folder of a fabric, or make one with "
                            "'kvrctl fabric new'");
   }
-  return *text;
+  return *std::move(text);
 }
 
 Description ParseDescription(std::string_view text, const std::string &file) {

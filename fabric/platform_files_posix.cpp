@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -7,6 +6,7 @@
 #include <sys/file.h>
 
 #include "fabric/platform_files.h"
+#include "fabric/read_up_to.h"
 
 namespace fabric {
 namespace {
@@ -82,17 +82,13 @@ FileLock::~FileLock() {
 std::optional<std::string> ReadContent(const std::filesystem::path &file, std::size_t limit) {
   const Descriptor descriptor(file, O_RDONLY);
   if (descriptor.Value() < 0) return std::nullopt;
-  std::string content;
-  char part[1 << 16];
-  while (content.size() < limit) {
-    const std::size_t wanted = std::min(sizeof part, limit - content.size());
-    const ssize_t count = ::read(descriptor.Value(), part, wanted);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return std::nullopt;
-    if (count == 0) break;
-    content.append(part, static_cast<std::size_t>(count));
-  }
-  return content;
+  return ReadUpTo(limit, [&](char *part, std::size_t size) -> std::optional<std::size_t> {
+    for (;;) {
+      const ssize_t count = ::read(descriptor.Value(), part, size);
+      if (count >= 0) return static_cast<std::size_t>(count);
+      if (errno != EINTR) return std::nullopt;
+    }
+  });
 }
 
 std::error_code ReplaceContent(const std::filesystem::path &file, const void *content,

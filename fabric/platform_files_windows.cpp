@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <regex>
 #include <windows.h>
 
 #include "fabric/platform_files.h"
+#include "fabric/read_up_to.h"
 
 namespace fabric {
 namespace {
@@ -103,18 +103,13 @@ FileLock::~FileLock() {
 std::optional<std::string> ReadContent(const std::filesystem::path &file, std::size_t limit) {
   const OpenFile open(file, GENERIC_READ, OPEN_EXISTING);
   if (!open.IsOpen()) return std::nullopt;
-  std::string content;
-  char part[1 << 16];
-  while (content.size() < limit) {
-    const std::size_t wanted = std::min(sizeof part, limit - content.size());
+  return ReadUpTo(limit, [&](char *part, std::size_t size) -> std::optional<std::size_t> {
     DWORD count = 0;
-    if (ReadFile(open.Value(), part, static_cast<DWORD>(wanted), &count, nullptr) == 0) {
+    if (ReadFile(open.Value(), part, static_cast<DWORD>(size), &count, nullptr) == 0) {
       return std::nullopt;
     }
-    if (count == 0) break;
-    content.append(part, count);
-  }
-  return content;
+    return count;
+  });
 }
 
 std::error_code ReplaceContent(const std::filesystem::path &file, const void *content,

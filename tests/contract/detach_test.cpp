@@ -1,5 +1,4 @@
 // A program that loads the library, uses it and lets it go, again and again.
-
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -19,6 +18,21 @@ struct Way {
   const char *name;
   bool known, early;
   int lives;
+};
+
+// A network of the test's own, for this process and those it starts.
+struct OwnNetwork {
+  OwnNetwork() {
+    SetVariable("KVR_FABRIC", folder.Path().string());
+    SetVariable("KVR_HOST", description.hosts[0].name);
+  }
+  void Save(bool known, std::uint32_t delay_ms) {
+    description.knownAtStart = known;
+    description.delayMs = delay_ms;
+    fabric::SaveDescription(folder.Path(), description);
+  }
+  const ScratchFolder folder;
+  fabric::Description description = fabric::MakeDescription(kHosts, 1);
 };
 
 class Unload : public testing::TestWithParam<Way> {};
@@ -63,16 +77,10 @@ Holdings Growth(int lives, Life life) {
 
 TEST_P(Unload, LeavesNothingBehind) {
   const Way way = GetParam();
-  const ScratchFolder folder;
-  fabric::Description network = fabric::MakeDescription(kHosts, 1);
-  network.delayMs = 1;
-  fabric::SaveDescription(folder.Path(), network);
-  SetVariable("KVR_FABRIC", folder.Path().string());
-  SetVariable("KVR_HOST", network.hosts[0].name);
+  OwnNetwork network;
+  network.Save(true, 1);
   Live({"", true, false, 0}, true);
-  network.knownAtStart = way.known;
-  network.delayMs = way.early ? 60'000 : 1;
-  fabric::SaveDescription(folder.Path(), network);
+  network.Save(way.known, way.early ? 60'000 : 1);
 
   // The compiler's runtime for threads keeps some bytes for every library that it was part of, and
   // for every lock; the C library keeps some of what it is given back for later.
@@ -84,12 +92,8 @@ TEST_P(Unload, LeavesNothingBehind) {
 }
 
 TEST(Detach, EndsAProcessInTheMiddleOfADiscovery) {
-  const ScratchFolder folder;
-  fabric::Description network = fabric::MakeDescription(kHosts, 1);
-  network.knownAtStart = false;
-  fabric::SaveDescription(folder.Path(), network);
-  SetVariable("KVR_FABRIC", folder.Path().string());
-  SetVariable("KVR_HOST", network.hosts[0].name);
+  OwnNetwork network;
+  network.Save(false, network.description.delayMs);
   for (const char *when : {"early", "late"})
     EXPECT_EQ(Process({LEAVER, when}).Finish().status, 7) << when;
 }

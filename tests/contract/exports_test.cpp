@@ -33,15 +33,18 @@ Names Declared(const std::string &header, const std::string &marker) {
 
 bool IsDll(const std::string &library) { return library.ends_with(".dll"); }
 
+Names InDll(const std::string &library, const std::string &pattern) {
+  return Matches("objdump -p '" + library + "'", pattern);
+}
+
 Names Defined(const std::string &library) {
-  if (IsDll(library))
-    return Matches("objdump -p '" + library + "'", R"(\n\t\[ *\d+\] (?!\+)(\S+))");
+  if (IsDll(library)) return InDll(library, R"(\n\t\[ *\d+\] (?!\+)(\S+))");
   return Matches("nm -D --defined-only -P '" + library + "'", R"((?:^|\n)(\S+) )");
 }
 
 Names AskedFor(const std::string &library) {
   const std::string names = "((?:TQ|Vexo|KVR)_\\w+)";
-  if (IsDll(library)) return Matches("objdump -p '" + library + "'", "\\d  " + names);
+  if (IsDll(library)) return InDll(library, "\\d  " + names);
   return Matches("nm -Du '" + library + "'", " U " + names);
 }
 
@@ -99,12 +102,12 @@ TEST(Exports, DllNeedsTheOutsideLibrariesAndWindowsOnly) {
   for (const auto &build : Builds()) {
     for (const std::string &library : build) {
       if (!IsDll(library)) continue;
-      Names needed = Matches("objdump -p '" + library + "'", R"(DLL Name: (\S+))");
+      Names needed = InDll(library, R"(DLL Name: (\S+))");
       EXPECT_EQ(needed.erase("Tqlink.dll") + needed.erase("Vexonet.dll"),
                 library == build[0] ? 2u : 0u);
       for (const char *own : {"KERNEL32.dll", "msvcrt.dll", "WS2_32.dll"}) needed.erase(own);
       EXPECT_EQ(needed, Names()) << library;
-      const Names flags = Matches("objdump -p '" + library + "'", R"(DllCharacteristics\t(\w+))");
+      const Names flags = InDll(library, R"(DllCharacteristics\t(\w+))");
       EXPECT_EQ(flags, Names{"00000140"}) << "addresses drawn at the start, data never run";
     }
     std::ifstream file(build[0], std::ios::binary);

@@ -28,7 +28,7 @@ void ExpectGolden(const std::string &name, const std::string &actual) {
 }
 
 // The header and the access words in rows of 16 bytes, but those that are zero, each after its
-// offset; the keys, which are large, as a checksum (FNV-1a).
+// offset; the keys, which are large, as a checksum.
 std::string TextOf(const SaTable &image) {
   const std::span bytes(reinterpret_cast<const std::uint8_t *>(&image), sizeof image);
   std::string text;
@@ -38,12 +38,12 @@ std::string TextOf(const SaTable &image) {
     text += fmt::format("{:04x}: {:02x}{}\n", offset, fmt::join(row, " "), remark);
   };
   for (std::size_t offset = 0; offset < sizeof image.header; offset += 16) add(offset, "");
-  std::uint64_t sum = 0xcbf29ce484222325u;
+  std::uint64_t sum = kNoBytes;
   for (std::size_t n = 0; n < KVR_POSITION_COUNT; ++n) {
     const std::size_t offset = sizeof image.header + n * sizeof(SaEntry);
     add(offset + offsetof(SaEntry, access), fmt::format("  # position {}", n));
     for (std::size_t i = 0; i < sizeof(SaEntry); ++i)
-      if (i < 8 || i >= 24) sum = (sum ^ bytes[offset + i]) * 0x100000001b3u;
+      if (i < 8 || i >= 24) sum = Checksum(sum, bytes[offset + i]);
   }
   return text + fmt::format("# indices and keys: {:016x}\n", sum);
 }

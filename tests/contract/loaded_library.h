@@ -32,6 +32,5 @@ class LoadedLibrary {
 // a thread's storage.
 struct Holdings {
   std::size_t bytes, handles;
-  bool operator==(const Holdings &) const = default;
 };
 Holdings HoldingsNow();

@@ -1,26 +1,21 @@
 #include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <io.h>
 #include <process.h>
 #include <regex>
 #include <windows.h>
 
+#include "fabric/platform_files.h"
 #include "support/process.h"
 
-namespace {
-
-std::wstring Wide(const std::string &utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
-}
-
-}  // namespace
+using fabric::PathOf;
 
 // A process gets the standard streams that its parent has at the time.
 void Process::Start(const std::vector<std::string> &words) {
   std::vector<std::wstring> wide;
   for (const std::string &word : words)
-    wide.push_back(L'"' + std::regex_replace(Wide(word), std::wregex(L"\""), L"\\\"") + L'"');
+    wide.push_back(L'"' + std::regex_replace(PathOf(word).native(), std::wregex(L"\""), L"\\\"") +
+                   L'"');
   std::vector<const wchar_t *> argv;
   for (const std::wstring &word : wide) argv.push_back(word.c_str());
   argv.push_back(nullptr);
@@ -32,7 +27,7 @@ void Process::Start(const std::vector<std::string> &words) {
   std::fflush(nullptr);
   _dup2(_fileno(out_), 1);
   _dup2(ends[1], 2);
-  id_ = _wspawnv(_P_NOWAIT, Wide(words[0]).c_str(), argv.data());
+  id_ = _wspawnv(_P_NOWAIT, PathOf(words[0]).c_str(), argv.data());
   for (const int stream : {1, 2}) {
     _dup2(ours[stream - 1], stream);
     _close(ours[stream - 1]);
@@ -48,8 +43,10 @@ int Process::Wait() {
   return status;
 }
 
-int RunInShell(const std::string &line) { return _wsystem((Wide(line) + L" >NUL 2>&1").c_str()); }
+int RunInShell(const std::string &line) {
+  return _wsystem((PathOf(line).native() + L" >NUL 2>&1").c_str());
+}
 
 void SetVariable(const char *name, const std::string &value) {
-  _wputenv_s(Wide(name).c_str(), Wide(value).c_str());
+  _wputenv_s(PathOf(name).c_str(), PathOf(value).c_str());
 }

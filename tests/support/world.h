@@ -38,6 +38,12 @@ std::vector<std::string> Words(const std::string &text);
 bool Same(const SaTable &a, const SaTable &b);  // byte for byte
 SaTable MakeImage(const std::string &line);     // without keys
 
+// The checksum (FNV-1a) of some bytes and one more; kNoBytes is that of none.
+constexpr std::uint64_t kNoBytes = 0xcbf29ce484222325u;
+constexpr std::uint64_t Checksum(std::uint64_t sum, std::uint8_t byte) {
+  return (sum ^ byte) * 0x100000001b3u;
+}
+
 using fuzz::ForgetEverything;
 using fuzz::g_now;
 
