@@ -29,7 +29,7 @@ TEST_F(Hints, TellWhatThisHostsTableRefused) {
 }
 
 TEST_F(Hints, KeepNamesWhole) {
-  EXPECT_EQ(ResultOf("h1", "acg remove [h2]")["done"], Json({"[h2]"}));
+  EXPECT_EQ(ResultOf("h1", "acg remove --yes [h2]")["done"], Json({"[h2]"}));
   network.faults = {{"h3", {}, "TQ_WriteSaTableHeader", 1, {}}};
   Save();
   const std::string note = Ask("h1", "group create g --client h3")["notes"].dump();
@@ -43,7 +43,7 @@ TEST_F(Hints, NeverTakeAFailedCountForNone) {
   for (const std::uint32_t call : {2u, 3u, 4u, 99u}) {
     network.faults = {{"h2", {}, "TQ_ReadAccessControlTable", call, 2}};
     Save();
-    EXPECT_NE(Run("h1", "group delete a").status, 0) << "from call " << call;
+    EXPECT_NE(Run("h1", "group delete --yes a").status, 0) << "from call " << call;
   }
 }
 

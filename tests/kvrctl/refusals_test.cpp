@@ -46,10 +46,10 @@ TEST_F(Refusals, NameTheCauseThePlaceAndTheWayOut) {
            {"h1", "group create c --client h4 --server h9", 2, "NO_SUCH_HOST", "'h9'"},
            {"h1", "switch-access off-and-on", 2, "USAGE", "off-and-on"},
            {"h2", "acg add h6", 3, "KVR_ERR_NOT_MSC", "5000"},
-           {"h2", "takeover", 3, "KVR_ERR_NOT_MSC", "`kvrctl backup list`"},
+           {"h2", "takeover --yes", 3, "KVR_ERR_NOT_MSC", "`kvrctl backup list`"},
            {"h2", "switch-access off", 3, "KVR_ERR_NOT_MSC", "5000"},
-           {"h1", "takeover", 3, "KVR_ERR_NO_NEW_MSC", "`kvrctl handover HOST`"},
-           {"h1", "handover h2", 3, "KVR_ERR_NOT_BACKUP_MSC", "`kvrctl backup list`"},
+           {"h1", "takeover --yes", 3, "KVR_ERR_NO_NEW_MSC", "`kvrctl handover HOST`"},
+           {"h1", "handover --yes h2", 3, "KVR_ERR_NOT_BACKUP_MSC", "`kvrctl backup list`"},
            {"h1", "backup add h2", 3, "KVR_ERR_SYSTEM_IS_CLIENT", "`kvrctl backup add h2`"},
            {"h1", "group rename @h2 " + std::string(32, 'x'), 3, "KVR_ERR_INVALID_NAME", "5015"},
            {"h1", "group set-client @h2 h3", 3, "KVR_ERR_ALREADY_CLIENT", "hosts"},
@@ -57,7 +57,7 @@ TEST_F(Refusals, NameTheCauseThePlaceAndTheWayOut) {
            {"h1", "group remove-server @h2 h4", 3, "KVR_ERR_NOT_ASG_SERVER", "Nothing"},
            {"h6", "renew-keys", 3, "KVR_ERR_NOT_SECURED", "5004"},
            {"h6", "switch-access on", 3, "KVR_ERR_NOT_SECURED", "5004"},
-           {"h6", "destroy", 3, "KVR_ERR_NOT_SECURED", "5004"},
+           {"h6", "destroy --yes", 3, "KVR_ERR_NOT_SECURED", "5004"},
            {"nobody", "tree", 5, "KVR_ERR_NO_LOCAL_ADAPTER", "network: KVR_HOST is 'nobody'"},
        })
     ExpectRefused(refusal);

@@ -121,11 +121,11 @@ TEST_F(Story, GoesOnPastHostsThatFail) {
   EXPECT_EQ(added["error"]["failed_hosts"], expected);
 
   SetFaults({{"h4", {}, "TQ_RemoveSaTable", 1, {}}});
-  const Json left = Ask("h1", "destroy", 4);
+  const Json left = Ask("h1", "destroy --yes", 4);
   EXPECT_EQ(left["result"]["removed"], Json({"h2", "h3", "h5", "h7"}));
   EXPECT_EQ(WholeImages(), 2u);
   SetFaults({});
-  EXPECT_TRUE(ResultOf("h1", "destroy")["here"]);
+  EXPECT_TRUE(ResultOf("h1", "destroy --yes")["here"]);
   EXPECT_EQ(WholeImages(), 0u);
 }
 
@@ -146,17 +146,17 @@ TEST_F(Story, IsChangedByItsAdministratorAndHandedOn) {
   EXPECT_EQ(Outline(ResultOf("h1", "tree")), outline);
   EXPECT_TRUE(ResultOf("h4", "status")["switch_access"]);
 
-  ASSERT_EQ(Run("h1", "handover h7").status, 0);
+  ASSERT_EQ(Run("h1", "handover --yes h7").status, 0);
   EXPECT_EQ(Outline(ResultOf("h7", "tree")), outline);
   EXPECT_FALSE(ResultOf("h1", "status")["msc"]);
   EXPECT_EQ(ResultOf("h7", "backup add h1")["done"], Json({"h1"}));
-  EXPECT_EQ(ResultOf("h7", "group delete lab")["done"], Json({"h4", "h6"}));
+  EXPECT_EQ(ResultOf("h7", "group delete --yes lab")["done"], Json({"h4", "h6"}));
 
   LeaveUp("h1 h2 h3 h4 h5 h6");
-  EXPECT_NE(Ask("h1", "takeover")["notes"][0].get<std::string>().find("destroy"),
+  EXPECT_NE(Ask("h1", "takeover --yes")["notes"][0].get<std::string>().find("destroy"),
             std::string::npos);
   LeaveUp("h7");
-  EXPECT_EQ(ResultOf("h7", "destroy")["removed"], Json::array());
+  EXPECT_EQ(ResultOf("h7", "destroy --yes")["removed"], Json::array());
   LeaveUp("h1 h2 h3 h4 h5 h6 h7");
   EXPECT_EQ(ResultOf("h1", "backup add h7")["done"], Json({"h7"}));
   EXPECT_EQ(ResultOf("h1", "backup list")[0]["name"], "h7");
@@ -174,7 +174,7 @@ TEST_F(Story, CanBeRepeatedAfterAFailureInTheMiddle) {
            {"TQ_WriteAccessControlTable",
             "group create it's\"&x --client h5 --server h4 h3",
             {"h3"}},
-           {"TQ_WriteAccessControlTable", "group delete it's\"&x", {"h3"}},
+           {"TQ_WriteAccessControlTable", "group delete --yes it's\"&x", {"h3"}},
            {"TQ_WriteAccessControlTable", "group remove-server sales h3 h4", {"h3"}},
        }) {
     SCOPED_TRACE(command);
@@ -193,7 +193,7 @@ TEST_F(Story, CanBeRepeatedAfterAFailureInTheMiddle) {
   EXPECT_EQ(Outline(ResultOf("h1", "tree")), R"(sales "h2"[](sales/north "h3"["h4"]()))");
   EXPECT_EQ(KeyOf("h1"), KeyOf("h4"));
 
-  EXPECT_EQ(Run("h1", "group delete sales").status, 3) << "it has a child";
+  EXPECT_EQ(Run("h1", "group delete --yes sales").status, 3) << "it has a child";
   SetFaults({{"h2", {}, "TQ_WriteSaTableHeader", 1, {}}});
   EXPECT_EQ(Run("h1", "group rename sales south").status, 3) << "not stored";
   EXPECT_EQ(ResultOf("h1", "group list")[0]["path"], "sales");

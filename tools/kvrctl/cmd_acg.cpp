@@ -1,19 +1,22 @@
 // `kvrctl acg`: which hosts take part in the configuration.
-#include "kvrapi/kvrapi.h"
-
 #include "command.h"
 #include "host_changes.h"
 
 namespace kvrctl {
 
-void AddAcgCommands(CLI::App &app, Chosen &chosen) {
+void AddAcgCommands(CLI::App &app, Commands &commands) {
   CLI::App *acg = AddFamily(app, "acg", "Change which hosts take part; run it on the MSC");
-  AddMscChange(*acg, chosen, "add", "Bring hosts into the configuration",
+  AddMscChange(*acg, commands,
+               {"add", "Bring hosts into the configuration", R"({"done":[…]})", Effect::Changes},
                {"Adding to the ACG", "Added to the ACG", {"kvrctl", "acg", "add"}},
-               KVR_AddServerToACG);
-  AddMscChange(*acg, chosen, "remove", "Take hosts out of the configuration",
-               {"Removing from the ACG", "Removed from the ACG", {"kvrctl", "acg", "remove"}},
-               KVR_RemoveServerFromACG);
+               &kvrapi::Session::AddToAcg);
+  AddMscChange(
+      *acg, commands,
+      {"remove", "Take hosts out of the configuration", R"({"done":[…]})", Effect::Destroys},
+      {"Removing from the ACG", "Removed from the ACG", {"kvrctl", "acg", "remove"}},
+      &kvrapi::Session::RemoveFromAcg,
+      "The tables of these hosts would be removed, and no client could reach them any "
+      "more: {}.");
 }
 
 }  // namespace kvrctl

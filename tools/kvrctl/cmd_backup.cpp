@@ -1,6 +1,4 @@
 // `kvrctl backup`: the hosts that can take the MSC's role over.
-#include "kvrapi/kvrapi.h"
-
 #include "command.h"
 #include "host_changes.h"
 #include "library.h"
@@ -10,7 +8,7 @@ namespace {
 
 // What keeps a backup MSC off the list.
 std::vector<std::string> NotesOnBackups(const Library &library) {
-  if (KVR_IsBackupMSC() != 0) return {"This host is a backup MSC itself."};
+  if (library.Session().IsBackupMsc()) return {"This host is a backup MSC itself."};
   return library.GroupNotes();
 }
 
@@ -20,23 +18,26 @@ Outcome ListBackups() {
   for (const Host &host : library.Hosts()) {
     if (host.backupMsc) backups.push_back(&host);
   }
-  const Json rows = RowsOf(backups);
-  return {rows, HostTable(rows, "No backup MSC is seen."), NotesOnBackups(library), std::nullopt};
+  return {RowsOf(backups), AsHostTable("No backup MSC is seen."), NotesOnBackups(library)};
 }
 
 }  // namespace
 
-void AddBackupCommands(CLI::App &app, Chosen &chosen) {
+void AddBackupCommands(CLI::App &app, Commands &commands) {
   CLI::App *backup = AddFamily(app, "backup", "Name the hosts that can take the MSC's role over");
-  AddMscChange(*backup, chosen, "add",
-               "Make hosts backup MSCs; they join the ACG; run it on the MSC",
+  AddMscChange(*backup, commands,
+               {"add", "Make hosts backup MSCs; they join the ACG; run it on the MSC",
+                R"({"done":[…]})", Effect::Changes},
                {"Making a backup MSC", "Backup MSCs from now on", {"kvrctl", "backup", "add"}},
-               KVR_AddBackupMSC);
+               &kvrapi::Session::AddBackupMsc);
   AddMscChange(
-      *backup, chosen, "remove", "Make backup MSCs plain members again; run it on the MSC",
+      *backup, commands,
+      {"remove", "Make backup MSCs plain members again; run it on the MSC", R"({"done":[…]})",
+       Effect::Changes},
       {"Ending the role of backup MSC", "No backup MSC any more", {"kvrctl", "backup", "remove"}},
-      KVR_RemoveBackupMSC);
-  AddCommand(*backup, "list", "List the backup MSCs", chosen, ListBackups);
+      &kvrapi::Session::RemoveBackupMsc);
+  AddCommand(*backup, {"list", "List the backup MSCs", R"([{"name","wide_name"}])"}, commands,
+             ListBackups);
 }
 
 }  // namespace kvrctl

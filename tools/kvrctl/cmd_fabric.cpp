@@ -30,17 +30,18 @@ Outcome MakeFabric(const NewFabric &asked) {
   }
   fabric::SaveDescription(folder, fabric::MakeDescription(asked.hosts, asked.seed));
   return {{{"folder", asked.folder}, {"hosts", asked.hosts}, {"seed", asked.seed}},
-          Line("Made a fabric of {} hosts in '{}', from seed {}.", asked.hosts, asked.folder,
-               asked.seed),
-          {},
-          std::nullopt};
+          [](const Json &result, const Screen &) {
+            return Line("Made a fabric of {} hosts in '{}', from seed {}.",
+                        Shown(result.at("hosts")), Shown(result.at("folder")),
+                        Shown(result.at("seed")));
+          }};
 }
 
 Json RowOf(const fabric::Host &host, const std::filesystem::path &folder) {
   const auto up = std::count_if(host.adapters.begin(), host.adapters.end(),
                                 [](const fabric::Adapter &adapter) { return adapter.up; });
   return {{"name", host.name},
-          {"wide_name", Utf8Of(host.wideName)},
+          {"wide_name", kvrapi::Utf8Of(host.wideName)},
           {"up", host.up},
           {"excluded", host.excluded},
           {"adapters", host.adapters.size()},
@@ -54,11 +55,14 @@ Outcome ShowFabric() {
   for (const fabric::Host &host : ReadDescription(folder).hosts) {
     rows.push_back(RowOf(host, folder));
   }
-  const std::vector<Fact> columns = {
-      {"name", "HOST"},         {"wide_name", "UTF-16 NAME"}, {"up", "UP"},
-      {"excluded", "EXCLUDED"}, {"adapters", "ADAPTERS"},     {"adapters_up", "OF THEM UP"},
-      {"table", "TABLE"}};
-  return {rows, Table(rows, columns, "The fabric has no hosts."), {}, std::nullopt};
+  return {rows, AsTable({{"name", "HOST"},
+                         {"wide_name", "UTF-16 NAME"},
+                         {"up", "UP"},
+                         {"excluded", "EXCLUDED"},
+                         {"adapters", "ADAPTERS"},
+                         {"adapters_up", "OF THEM UP"},
+                         {"table", "TABLE"}},
+                        "The fabric has no hosts.")};
 }
 
 Outcome SwitchHost(const std::string &host, bool up) {
@@ -71,21 +75,26 @@ Outcome SwitchHost(const std::string &host, bool up) {
                   fmt::format("The fabric has no host '{}'.", host),
                   "Choose one of the hosts that `kvrctl fabric show` lists.");
   }
-  return {{{"host", host}, {"up", up}},
-          Line("Host {} is {} now.", host, up ? "up" : "down"),
-          {},
-          std::nullopt};
+  return {{{"host", host}, {"up", up}}, [](const Json &result, const Screen &) {
+            return Line("Host {} is {} now.", Shown(result.at("host")),
+                        result.at("up") ? "up" : "down");
+          }};
 }
 
-void AddSet(CLI::App &fabric, Chosen &chosen) {
+Description Simulated(const char *name, const char *summary, const char *result) {
+  return {name, summary, result, Effect::Reads, true};
+}
+
+void AddSet(CLI::App &fabric, Commands &commands) {
   struct Switch {
     std::string host;
     bool up = false;
     bool down = false;
   };
   const auto asked = std::make_shared<Switch>();
-  CLI::App *set = AddCommand(fabric, "set", "Take a host of the fabric up or down", chosen,
-                             [asked] { return SwitchHost(asked->host, asked->up); });
+  CLI::App *set = AddCommand(
+      fabric, Simulated("set", "Take a host of the fabric up or down", R"({"host","up"})"),
+      commands, [asked] { return SwitchHost(asked->host, asked->up); });
   set->add_option("HOST", asked->host, "The host")->required();
   CLI::Option_group *state = set->add_option_group("state", "The new state");
   state->add_flag("--up", asked->up, "Its adapters answer");
@@ -95,12 +104,13 @@ void AddSet(CLI::App &fabric, Chosen &chosen) {
 
 }  // namespace
 
-void AddFabricCommands(CLI::App &app, Chosen &chosen) {
+void AddFabricCommands(CLI::App &app, Commands &commands) {
   CLI::App *fabric = AddFamily(app, "fabric", "Make, show or edit a simulated network");
 
   const auto asked = std::make_shared<NewFabric>();
-  CLI::App *made = AddCommand(*fabric, "new", "Make a fabric in a new folder", chosen,
-                              [asked] { return MakeFabric(*asked); });
+  CLI::App *made = AddCommand(
+      *fabric, Simulated("new", "Make a fabric in a new folder", R"({"folder","hosts","seed"})"),
+      commands, [asked] { return MakeFabric(*asked); });
   made->add_option("DIR", asked->folder, "The folder")->required();
   made->add_option("--hosts", asked->hosts, "Number of hosts, 1 to 10000")
       ->required()
@@ -111,8 +121,12 @@ void AddFabricCommands(CLI::App &app, Chosen &chosen) {
       })
       ->capture_default_str();
 
-  AddCommand(*fabric, "show", "List the fabric's hosts", chosen, ShowFabric);
-  AddSet(*fabric, chosen);
+  AddCommand(
+      *fabric,
+      Simulated("show", "List the fabric's hosts",
+                R"([{"name","wide_name","up","excluded","adapters","adapters_up","table"}])"),
+      commands, ShowFabric);
+  AddSet(*fabric, commands);
 }
 
 }  // namespace kvrctl

@@ -25,19 +25,22 @@ struct GroupArguments {
 // Adds a command for the group at PATH; its other arguments are put into the second of what is
 // returned.
 std::pair<CLI::App *, std::shared_ptr<GroupArguments>> AddGroupCommand(
-    CLI::App &family, Chosen &chosen, const std::string &name, const std::string &description,
+    CLI::App &family, Commands &commands, const Description &description,
     const std::function<Outcome(const GroupArguments &)> &run) {
   auto arguments = std::make_shared<GroupArguments>();
   CLI::App *command =
-      AddCommand(family, name, description, chosen, [arguments, run] { return run(*arguments); });
+      AddCommand(family, description, commands, [arguments, run] { return run(*arguments); });
   command->add_option("PATH", arguments->path, kPathHelp)->required();
   return {command, arguments};
 }
 
-void AddCreate(CLI::App &group, Chosen &chosen) {
+void AddCreate(CLI::App &group, Commands &commands) {
   const auto asked = std::make_shared<GroupRequest>();
-  CLI::App *create = AddCommand(group, "create", "Create a group", chosen,
-                                [asked] { return CreateGroup(*asked); });
+  CLI::App *create = AddCommand(
+      group,
+      {"create", "Create a group",
+       R"({"path","client","asked","granted","done":[…]}, "done" with --server)", Effect::Changes},
+      commands, [asked] { return CreateGroup(*asked); });
   create->add_option("PATH", asked->path, "The new group below its parents, as sales/north")
       ->required();
   create->add_option("--client", asked->client, "The host that becomes its client")->required();
@@ -46,53 +49,72 @@ void AddCreate(CLI::App &group, Chosen &chosen) {
   create->add_option("--server", asked->servers, "Hosts that serve its client");
 }
 
-void AddDelete(CLI::App &group, Chosen &chosen) {
-  const auto [command, asked] = AddGroupCommand(
-      group, chosen, "delete", "Take a group's servers out and delete it",
-      [](const GroupArguments &named) { return DeleteGroup(named.path, named.force); });
+void AddDelete(CLI::App &group, Commands &commands) {
+  const auto [command, asked] =
+      AddGroupCommand(group, commands,
+                      {"delete", "Take a group's servers out and delete it",
+                       R"({"path","deleted","done":[…]})", Effect::Destroys},
+                      [&consent = commands.consent](const GroupArguments &named) {
+                        return DeleteGroup(named.path, named.force, consent);
+                      });
   command->add_flag("--force", asked->force,
                     "Although hosts that were not found hold slots below it");
 }
 
-void AddServerCommands(CLI::App &group, Chosen &chosen) {
+void AddServerCommands(CLI::App &group, Commands &commands) {
   const auto [add, added] = AddGroupCommand(
-      group, chosen, "add-server", "Let hosts serve a group's client",
+      group, commands,
+      {"add-server", "Let hosts serve a group's client", R"({"done":[…]})", Effect::Changes},
       [](const GroupArguments &asked) { return AddServers(asked.path, asked.hosts); });
   add->add_option("HOST", added->hosts, "The hosts")->required();
   const auto [remove, removed] = AddGroupCommand(
-      group, chosen, "remove-server", "End hosts' service to a group's client",
+      group, commands,
+      {"remove-server", "End hosts' service to a group's client", R"({"done":[…]})",
+       Effect::Changes},
       [](const GroupArguments &asked) { return RemoveServers(asked.path, asked.hosts); });
   remove->add_option("HOST", removed->hosts, "The hosts")->required();
 }
 
-void AddChanges(CLI::App &group, Chosen &chosen) {
+void AddChanges(CLI::App &group, Commands &commands) {
   const auto [rename, renamed] = AddGroupCommand(
-      group, chosen, "rename", "Give a group another name",
+      group, commands,
+      {"rename", "Give a group another name", R"({"path","name","new_path"})", Effect::Changes},
       [](const GroupArguments &asked) { return RenameGroup(asked.path, asked.word); });
   rename->add_option("NAME", renamed->word, "The new name, as it is: no path")->required();
   const auto [reserve, sized] = AddGroupCommand(
-      group, chosen, "set-reserve", "Change how many slots are set aside for groups below",
+      group, commands,
+      {"set-reserve", "Change how many slots are set aside for groups below",
+       R"({"path","asked","granted"})", Effect::Changes},
       [](const GroupArguments &asked) { return SetReserve(asked.path, asked.slots); });
   reserve->add_option("N", sized->slots, "The number of slots in all")->required();
   const auto [client, handed] = AddGroupCommand(
-      group, chosen, "set-client", "Hand a group, with those below it, to another client",
+      group, commands,
+      {"set-client", "Hand a group, with those below it, to another client",
+       R"({"path","client","former_client"})", Effect::Changes},
       [](const GroupArguments &asked) { return SetClient(asked.path, asked.word); });
   client->add_option("HOST", handed->word, "The host that becomes its client")->required();
 }
 
 }  // namespace
 
-void AddGroupCommands(CLI::App &app, Chosen &chosen) {
+void AddGroupCommands(CLI::App &app, Commands &commands) {
   CLI::App *group = AddFamily(app, "group", "Show and change groups");
-  AddCreate(*group, chosen);
-  AddDelete(*group, chosen);
-  AddServerCommands(*group, chosen);
-  AddChanges(*group, chosen);
-  AddCommand(*group, "list", "List all groups", chosen, ListGroups);
-  AddGroupCommand(*group, chosen, "show", "Show one group",
-                  [](const GroupArguments &asked) { return ShowGroup(asked.path); });
-  AddGroupCommand(*group, chosen, "available", "List the hosts that could be added as servers",
-                  [](const GroupArguments &asked) { return ListAvailable(asked.path); });
+  AddCreate(*group, commands);
+  AddDelete(*group, commands);
+  AddServerCommands(*group, commands);
+  AddChanges(*group, commands);
+  AddCommand(*group,
+             {"list", "List all groups", R"([{"path","client","offline","servers","children"}])"},
+             commands, ListGroups);
+  AddGroupCommand(
+      *group, commands,
+      {"show", "Show one group",
+       R"({"name","path","client","offline","slot","free","used","servers":[…],"available":[…],"children":[…]})"},
+      [](const GroupArguments &asked) { return ShowGroup(asked.path); });
+  AddGroupCommand(
+      *group, commands,
+      {"available", "List the hosts that could be added as servers", R"([{"name","wide_name"}])"},
+      [](const GroupArguments &asked) { return ListAvailable(asked.path); });
 }
 
 }  // namespace kvrctl

@@ -33,21 +33,28 @@ Outcome ShowHosts() {
     rows.push_back(RowOf(host, library, slots));
   std::sort(rows.begin(), rows.end(),
             [](const Json &a, const Json &b) { return a.at("name") < b.at("name"); });
-  const std::vector<Fact> columns = {
-      {"name", "HOST"},    {"wide_name", "UTF-16 NAME"}, {"in_acg", "IN ACG"},
-      {"slot", "SLOT"},    {"backup_msc", "BACKUP MSC"}, {"client_of", "CLIENT OF"},
-      {"serves", "SERVES"}};
   std::vector<std::string> notes = library.Notes();
   for (std::string &note : library.GroupNotes())
     notes.push_back(std::move(note));
-  return {rows, Table(rows, columns, "No other host is seen."), std::move(notes), std::nullopt};
+  return {rows,
+          AsTable({{"name", "HOST"},
+                   {"wide_name", "UTF-16 NAME"},
+                   {"in_acg", "IN ACG"},
+                   {"slot", "SLOT"},
+                   {"backup_msc", "BACKUP MSC"},
+                   {"client_of", "CLIENT OF"},
+                   {"serves", "SERVES"}},
+                  "No other host is seen."),
+          std::move(notes)};
 }
 
 }  // namespace
 
-void AddHostsCommand(CLI::App &app, Chosen &chosen) {
-  AddCommand(app, "hosts", "List the other hosts and their part in the configuration", chosen,
-             ShowHosts);
+void AddHostsCommand(CLI::App &app, Commands &commands) {
+  AddCommand(app,
+             {"hosts", "List the other hosts and their part in the configuration",
+              R"([{"name","wide_name","in_acg","slot","client_of","serves":[…],"backup_msc"}])"},
+             commands, ShowHosts);
 }
 
 }  // namespace kvrctl

@@ -2,11 +2,10 @@
 // reach whom.
 #include <optional>
 
-#include "kvrapi/kvrapi.h"
-
 #include "command.h"
 #include "host_changes.h"
 #include "library.h"
+#include "progress.h"
 #include "slot_reader.h"
 
 namespace kvrctl {
@@ -25,44 +24,56 @@ Outcome RenewKeys() {
   constexpr char kDoing[] = "Renewing the keys";
   const std::vector<std::string> retry = {"kvrctl", "renew-keys"};
   const Library library;
-  RequireConfiguration(kDoing);
-  const std::uint32_t code = KVR_GenerateNewKeys();
-  if (code != KVR_ERR_SERVERS_FAILED) Require(kDoing, code);
-  const HostResults results = ResultsInAcg(library, code);
+  RequireConfiguration(library, kDoing);
+  const Progress progress(kDoing);
+  const AcgResults results = ChangeAcg(library, [&] { library.Session().RenewKeys(); });
+  if (results.code != KVR_OK && results.code != KVR_ERR_SERVERS_FAILED) {
+    throw Failure(kDoing, results.code);
+  }
   // The library does not tell whether this host's adapter took its table. Keys made within one
   // second are the same, so the table is held against another's, not against what it was.
   const std::optional<bool> here =
       results.done.empty() ? false : SharesKeys(library.Hosts(), results.failed);
   Outcome outcome = {{{"done", results.done}, {"here", here ? Json(*here) : Json()}},
-                     Line("New keys on: {}.", ShownList(WithThisHost(results.done, here == true))),
-                     NotesOn(results, here),
-                     std::nullopt};
-  if (code != KVR_OK) outcome.failure = PartialFailure(kDoing, results, retry);
+                     [](const Json &result, const Screen &) {
+                       const Json &stored = result.at("here");
+                       const bool isHere = stored.is_boolean() && stored.get<bool>();
+                       return Line("New keys on: {}.",
+                                   ShownList(WithThisHost(result.at("done"), isHere)));
+                     },
+                     NotesOn(results, here)};
+  if (results.code != KVR_OK) outcome.failure = PartialFailure(kDoing, results, retry);
   if (!results.done.empty() && here == false) AddLocalFailure(outcome, retry);
   return outcome;
 }
 
 Outcome Sync() {
   const Library library;
-  Require("Synchronizing", KVR_SyncDiscovery());
-  const std::size_t hosts = library.Hosts().size();
-  Outcome outcome = {{{"hosts", hosts}},
-                     Line("Asked {} other hosts and this one to bring their adapters in line with "
-                          "their tables.",
-                          hosts),
-                     library.Notes(),
-                     std::nullopt};
+  const Progress progress("Synchronizing");
+  Require("Synchronizing", [&] { library.Session().Synchronize(); });
+  Outcome outcome = {{{"hosts", library.Hosts().size()}},
+                     [](const Json &result, const Screen &) {
+                       return Line(
+                           "Asked {} other hosts and this one to bring their adapters in line with "
+                           "their tables.",
+                           Shown(result.at("hosts")));
+                     },
+                     library.Notes()};
   outcome.notes.emplace_back("Whether a host did so is not reported.");
   return outcome;
 }
 
 }  // namespace
 
-void AddKeyCommands(CLI::App &app, Chosen &chosen) {
-  AddCommand(app, "renew-keys", "Write new keys to every host; run it on the MSC", chosen,
-             RenewKeys);
-  AddCommand(app, "sync", "Ask every host to bring its adapters in line with its table", chosen,
-             Sync);
+void AddKeyCommands(CLI::App &app, Commands &commands) {
+  AddCommand(app,
+             {"renew-keys", "Write new keys to every host; run it on the MSC",
+              R"({"done":[…],"here"})", Effect::Changes},
+             commands, RenewKeys);
+  AddCommand(app,
+             {"sync", "Ask every host to bring its adapters in line with its table",
+              R"({"hosts"}, a number)", Effect::Changes},
+             commands, Sync);
 }
 
 }  // namespace kvrctl

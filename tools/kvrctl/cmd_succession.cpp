@@ -3,8 +3,6 @@
 
 #include <fmt/format.h>
 
-#include "kvrapi/kvrapi.h"
-
 #include "command.h"
 #include "library.h"
 #include "slot_reader.h"
@@ -21,28 +19,42 @@ constexpr char kFormerMsc[] =
     "`kvrctl destroy` on it, which then removes its own table alone, and when it is back name it "
     "again with `kvrctl backup add` on the new MSC.";
 
-// Asks the library for the change; a host without the role is told who has it.
-void Assign(const std::string &doing, KVR_SYSTEM system) {
-  RequireConfiguration(doing);
-  const std::uint32_t code = KVR_AssignNewMSC(system);
-  if (code == KVR_OK) return;
-  Failure failure(doing, code);
-  if (code == KVR_ERR_NOT_MSC) {
+// The failure of a change of the role; a host without the role is told who has it.
+Failure SuccessionFailure(const std::string &doing, const kvrapi::Error &error) {
+  Failure failure(doing, error.Code());
+  if (error.Code() == KVR_ERR_NOT_MSC) {
     failure.hint = "Run it on the MSC or a backup MSC; `kvrctl backup list` on the MSC names them.";
   }
-  throw failure;
+  return failure;
 }
 
-Outcome HandOver(const std::string &name) {
+// A change that the library would refuse whatever is answered is not asked for.
+void RequireRole(const Library &library, const std::string &doing) {
+  RequireConfiguration(library, doing);
+  if (library.Session().IsMsc() || library.Session().IsBackupMsc()) return;
+  throw SuccessionFailure(doing, kvrapi::Error(doing, KVR_ERR_NOT_MSC));
+}
+
+Outcome HandOver(const std::string &name, const Consent &consent) {
   const std::string doing = "Handing the MSC's role to " + name;
   const Library library;
   const Host &next = library.HostNamed(name);
-  const bool fromMsc = KVR_IsMSC() != 0;
-  Assign(doing, next.handle);
-  Outcome outcome = {{{"msc", next.name}},
-                     Line("{} is the MSC now; this host is a plain member.", next.name),
-                     {},
-                     std::nullopt};
+  RequireRole(library, doing);
+  if (!next.backupMsc) throw Failure(doing, KVR_ERR_NOT_BACKUP_MSC);
+  consent.Require(fmt::format("{} would be the MSC, and this host a plain member that changes "
+                              "nothing any more.",
+                              next.name),
+                  "handover");
+  const bool fromMsc = library.Session().IsMsc();
+  try {
+    library.Session().HandOver(next.system);
+  } catch (const kvrapi::Error &error) {
+    throw SuccessionFailure(doing, error);
+  }
+  Outcome outcome = {{{"msc", next.name}}, [](const Json &result, const Screen &) {
+                       return Line("{} is the MSC now; this host is a plain member.",
+                                   Shown(result.at("msc")));
+                     }};
   if (!fromMsc) outcome.notes.emplace_back(kFormerMsc);
   // The library does not tell whether this host's adapter took the table of a plain member.
   if (!ReadLocalSlot().is_null()) {
@@ -57,26 +69,41 @@ Outcome HandOver(const std::string &name) {
   return outcome;
 }
 
-Outcome TakeOver() {
+Outcome TakeOver(const Consent &consent) {
+  constexpr char kDoing[] = "Taking the MSC's role over";
   const Library library;
-  Assign("Taking the MSC's role over", nullptr);
-  const Json slot = ReadLocalSlot();
-  return {{{"slot", slot}},
-          Line("This host is the MSC now, in slot {}.", Shown(slot)),
-          {kFormerMsc, "Programs that have the library loaded see it when they load it anew."},
-          std::nullopt};
+  RequireRole(library, kDoing);
+  if (library.Session().IsMsc()) throw Failure(kDoing, KVR_ERR_NO_NEW_MSC);
+  consent.Require(
+      "This host would be the MSC, while the former one's table still says that it is: "
+      "that is for an MSC that is lost.",
+      "takeover");
+  try {
+    library.Session().TakeOver();
+  } catch (const kvrapi::Error &error) {
+    throw SuccessionFailure(kDoing, error);
+  }
+  return {{{"slot", ReadLocalSlot()}},
+          [](const Json &result, const Screen &) {
+            return Line("This host is the MSC now, in slot {}.", Shown(result.at("slot")));
+          },
+          {kFormerMsc, "Programs that have the library loaded see it when they load it anew."}};
 }
 
 }  // namespace
 
-void AddSuccessionCommands(CLI::App &app, Chosen &chosen) {
+void AddSuccessionCommands(CLI::App &app, Commands &commands) {
   const auto next = std::make_shared<std::string>();
-  AddCommand(app, "handover", "Hand the MSC's role to a backup MSC; run it on the MSC", chosen,
-             [next] { return HandOver(*next); })
+  AddCommand(app,
+             {"handover", "Hand the MSC's role to a backup MSC; run it on the MSC", R"({"msc"})",
+              Effect::Destroys},
+             commands, [next, &consent = commands.consent] { return HandOver(*next, consent); })
       ->add_option("HOST", *next, "The backup MSC that becomes the MSC")
       ->required();
-  AddCommand(app, "takeover", "Take the MSC's role on this backup MSC, when the MSC is lost",
-             chosen, TakeOver);
+  AddCommand(app,
+             {"takeover", "Take the MSC's role on this backup MSC, when the MSC is lost",
+              R"({"slot"})", Effect::Destroys},
+             commands, [&consent = commands.consent] { return TakeOver(consent); });
 }
 
 }  // namespace kvrctl

@@ -4,11 +4,10 @@
 
 #include <fmt/format.h>
 
-#include "kvrapi/kvrapi.h"
-
 #include "command.h"
 #include "host_changes.h"
 #include "library.h"
+#include "progress.h"
 #include "slot_reader.h"
 #include "text.h"
 
@@ -20,58 +19,62 @@ struct SwitchRequest {
   bool again = false;
 };
 
-// Writes the state to every host even where it is the stored one. The library writes only a value
-// that differs from the stored one: any number but 0 is on, but off is 0 alone, so that it has to
-// be on in between.
-std::uint32_t Write(bool on, std::uint32_t stored) {
-  if (on) return KVR_EnableSwitchAccess(stored + 1);
-  if (stored == 0) KVR_EnableSwitchAccess(1);
-  return KVR_EnableSwitchAccess(0);
-}
-
 std::vector<std::string> Again(const std::string &state) {
   return {"kvrctl", "switch-access", state, "--again"};
+}
+
+std::string DrawSwitched(const Json &result, const Screen &) {
+  const char *state = result.at("enabled") ? "on" : "off";
+  if (!result.at("written")) return Line("Switch access is {}.", state);
+  return Line("Switch access is {}. Written to: {}.", state,
+              ShownList(WithThisHost(result.at("done"), result.at("here"))));
+}
+
+Outcome NothingWritten(const std::string &state) {
+  return {
+      {{"enabled", state == "on"}, {"written", false}, {"done", Json::array()}, {"here", false}},
+      DrawSwitched,
+      {fmt::format("It was {} already, so nothing was written; `{}` writes it to every host "
+                   "once more.",
+                   state, CommandText(Again(state)))}};
 }
 
 Outcome SwitchAccess(const SwitchRequest &request) {
   const std::string doing = "Switching switch access " + request.state;
   const bool on = request.state == "on";
   const Library library;
-  RequireConfiguration(doing);
-  const std::uint32_t stored = KVR_IsSwitchAccessEnabled();
+  kvrapi::Session &session = library.Session();
+  RequireConfiguration(library, doing);
+  const bool stored = session.IsSwitchAccessOn();
   // The stored value changes nothing, and tells whether this host may.
-  Require(doing, KVR_EnableSwitchAccess(stored));
-  if ((stored != 0) == on && !request.again) {
-    return {{{"enabled", on}, {"written", false}, {"done", Json::array()}, {"here", false}},
-            Line("Switch access is {}.", request.state),
-            {fmt::format("It was {} already, so nothing was written; `{}` writes it to every host "
-                         "once more.",
-                         request.state, CommandText(Again(request.state)))},
-            std::nullopt};
+  Require(doing, [&] { session.SwitchAccess(stored); });
+  if (stored == on && !request.again) return NothingWritten(request.state);
+  const Progress progress(doing);
+  const AcgResults results = ChangeAcg(library, [&] { session.RewriteSwitchAccess(on); });
+  if (results.code != KVR_OK && results.code != KVR_ERR_SERVERS_FAILED) {
+    throw Failure(doing, results.code);
   }
-  const std::uint32_t code = Write(on, stored);
-  if (code != KVR_ERR_SERVERS_FAILED) Require(doing, code);
-  const HostResults results = ResultsInAcg(library, code);
   // The library does not tell whether this host's adapter took its table.
   const bool storedHere = ReadLocalSwitchAccess() == on;
   Outcome outcome = {
       {{"enabled", on}, {"written", true}, {"done", results.done}, {"here", storedHere}},
-      Line("Switch access is {}. Written to: {}.", request.state,
-           ShownList(WithThisHost(results.done, storedHere))),
-      {},
-      std::nullopt};
-  if (code != KVR_OK) outcome.failure = PartialFailure(doing, results, Again(request.state));
+      DrawSwitched};
+  if (results.code != KVR_OK) {
+    outcome.failure = PartialFailure(doing, results, Again(request.state));
+  }
   if (!storedHere) AddLocalFailure(outcome, Again(request.state));
   return outcome;
 }
 
 }  // namespace
 
-void AddSwitchAccessCommand(CLI::App &app, Chosen &chosen) {
+void AddSwitchAccessCommand(CLI::App &app, Commands &commands) {
   const auto asked = std::make_shared<SwitchRequest>();
-  CLI::App *command = AddCommand(app, "switch-access",
-                                 "Switch switch access on or off everywhere; run it on the MSC",
-                                 chosen, [asked] { return SwitchAccess(*asked); });
+  CLI::App *command =
+      AddCommand(app,
+                 {"switch-access", "Switch switch access on or off everywhere; run it on the MSC",
+                  R"({"enabled","written","done":[…],"here"})", Effect::Changes},
+                 commands, [asked] { return SwitchAccess(*asked); });
   command->add_option("STATE", asked->state, "on or off")
       ->required()
       ->check(CLI::IsMember({"on", "off"}));

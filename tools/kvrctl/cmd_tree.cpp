@@ -39,7 +39,7 @@ void AddRows(Rows &rows, const Json &nodes, const std::string &indent, bool top)
   }
 }
 
-std::string Drawn(const Json &tree) {
+std::string DrawTree(const Json &tree, const Screen &) {
   if (tree.empty()) return "There are no groups.\n";
   Rows rows = {{"GROUP", "CLIENT", "SLOT", "SERVERS"}};
   AddRows(rows, tree, "", true);
@@ -48,14 +48,16 @@ std::string Drawn(const Json &tree) {
 
 Outcome ShowTree() {
   const Library library;
-  const Json tree = NodesOf(library.Groups(), ReadSlots(library.Hosts()));
-  return {tree, Drawn(tree), library.GroupNotes(), std::nullopt};
+  return {NodesOf(library.Groups(), ReadSlots(library.Hosts())), DrawTree, library.GroupNotes()};
 }
 
 }  // namespace
 
-void AddTreeCommand(CLI::App &app, Chosen &chosen) {
-  AddCommand(app, "tree", "Draw the tree of groups", chosen, ShowTree);
+void AddTreeCommand(CLI::App &app, Commands &commands) {
+  AddCommand(app,
+             {"tree", "Draw the tree of groups",
+              R"([{"name","path","client","offline","slot","servers":[…],"children":[…]}])"},
+             commands, ShowTree);
 }
 
 }  // namespace kvrctl

@@ -2,11 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "kvrapi/kvrapi.h"
-
-#include "result_text.h"
+#include "hints.h"
 
 namespace kvrctl {
+
 ExitStatus StatusOf(std::uint32_t code) {
   if (code == KVR_ERR_NO_LOCAL_ADAPTER) return ExitStatus::NothingToTalkTo;
   if (code == KVR_ERR_SERVERS_FAILED) return ExitStatus::Partial;
@@ -14,15 +13,12 @@ ExitStatus StatusOf(std::uint32_t code) {
 }
 
 Failure::Failure(const std::string &doing, std::uint32_t resultCode, const std::string &forWhom)
-    : Failure(StatusOf(resultCode), TextOf(resultCode).name,
+    : Failure(StatusOf(resultCode), kvrapi::TextOf(resultCode).name,
               fmt::format("{} failed{}{}: {} ({} {}).", doing, forWhom.empty() ? "" : " for ",
-                          forWhom, TextOf(resultCode).meaning, resultCode, TextOf(resultCode).name),
-              TextOf(resultCode).hint) {
+                          forWhom, kvrapi::TextOf(resultCode).meaning, resultCode,
+                          kvrapi::TextOf(resultCode).name),
+              HintOf(resultCode)) {
   code = resultCode;
-}
-
-void Require(const std::string &doing, std::uint32_t code) {
-  if (code != KVR_OK) throw Failure(doing, code);
 }
 
 }  // namespace kvrctl

@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "kvrapi/kvrapi.hpp"
 
 #include "exit_status.h"
 
@@ -43,7 +46,25 @@ class Failure : public std::exception {
   std::vector<HostFailure> failedHosts;
 };
 
-// Throws the Failure of a result code other than 0; doing is as for Failure.
-void Require(const std::string &doing, std::uint32_t code);
+// What the call returns; the library's refusal is thrown as a Failure, doing being as there.
+template <class Call>
+auto Require(const std::string &doing, const Call &call) {
+  try {
+    return call();
+  } catch (const kvrapi::Error &error) {
+    throw Failure(doing, error.Code());
+  }
+}
+
+// The library's result code of a call that returns nothing.
+template <class Call>
+std::uint32_t CodeOf(const Call &call) {
+  try {
+    call();
+    return KVR_OK;
+  } catch (const kvrapi::Error &error) {
+    return error.Code();
+  }
+}
 
 }  // namespace kvrctl

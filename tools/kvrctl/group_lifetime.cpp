@@ -1,11 +1,8 @@
 #include "group_lifetime.h"
 
-#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
-
-#include "kvrapi/kvrapi.h"
 
 #include "group_changes.h"
 #include "host_changes.h"
@@ -27,22 +24,6 @@ std::string TakeName(GroupPath &path) {
   return name;
 }
 
-// The handles that a creation takes and gives.
-struct Place {
-  KVR_GROUP parent;  // null: the top level
-  KVR_SYSTEM client;
-  KVR_GROUP created = nullptr;
-};
-
-// A name beyond ASCII goes through the UTF-16 form, which alone can hold it.
-std::uint32_t Create(Place &place, const std::string &name, std::uint32_t *reserve) {
-  if (IsAscii(name)) {
-    return KVR_CreateAsgA(place.parent, name.c_str(), place.client, reserve, &place.created);
-  }
-  return KVR_CreateAsgW(place.parent, WideNameOf(name).c_str(), place.client, reserve,
-                        &place.created);
-}
-
 // At the top level there is no parent whose reserve could grow.
 Failure CreationFailure(const std::string &doing, std::uint32_t code, bool top) {
   Failure failure(doing, code);
@@ -54,6 +35,20 @@ Failure CreationFailure(const std::string &doing, std::uint32_t code, bool top) 
   return failure;
 }
 
+// Makes the group called name at the path of its parent; doing is as for Failure.
+kvrapi::CreatedGroup Create(const Library &library, const GroupPath &parent,
+                            const std::string &name, const Host &client, std::uint32_t reserve,
+                            const std::string &doing) {
+  const bool top = parent.client.empty() && parent.names.empty();
+  const Group *above = top ? nullptr : &library.GroupAt(parent);
+  try {
+    return top ? library.Session().CreateGroup(name, client.system, reserve)
+               : above->group.CreateGroup(name, client.system, reserve);
+  } catch (const kvrapi::Error &error) {
+    throw CreationFailure(doing, error.Code(), top);
+  }
+}
+
 // The path by which a group just made is found again, where another may have the same one.
 std::string UniquePath(const Library &library, const std::string &path, const Host &client) {
   bool taken = false;
@@ -61,16 +56,24 @@ std::string UniquePath(const Library &library, const std::string &path, const Ho
   return taken ? ClientPath(client.name) : path;
 }
 
-void AddServersTo(Outcome &outcome, KVR_GROUP group, const std::string &path,
+void AddServersTo(Outcome &outcome, const kvrapi::Group &group, const std::string &path,
                   const std::vector<const Host *> &servers) {
-  const HostResults results =
-      ChangeEach(servers, [group](KVR_SYSTEM system) { return KVR_AddServerToAsg(group, system); });
+  const std::string doing = "Adding to the servers of " + path;
+  const HostResults results = ChangeEach(
+      doing, servers, [&group](const kvrapi::System &system) { group.AddServer(system); });
   outcome.result["done"] = results.done;
-  outcome.text += Line("Added to the servers of {}: {}.", path, ShownList(results.done));
   if (results.failed.empty()) return;
-  outcome.failure =
-      PartialFailure("Adding to the servers of " + path, results,
-                     NamingFailed(Naming({"kvrctl", "group", "add-server"}, {path}), results));
+  outcome.failure = PartialFailure(
+      doing, results, NamingFailed(Naming({"kvrctl", "group", "add-server"}, {path}), results));
+}
+
+std::string DrawCreated(const Json &result, const Screen &) {
+  const std::string path = Shown(result.at("path"));
+  std::string text =
+      Line("Created group {} for client {}, with {} of {} reserved slots.", path,
+           Shown(result.at("client")), Shown(result.at("granted")), Shown(result.at("asked")));
+  if (!result.contains("done")) return text;
+  return text + Line("Added to the servers of {}: {}.", path, ShownList(result.at("done")));
 }
 
 // A reserved slot that is in use below a group without children is held by a host that was not
@@ -87,8 +90,8 @@ void RequireNoLostChildren(const std::string &doing, const Library &library, con
       "missing, or they are gone for good, --force deletes the group, and the slots go to others.");
 }
 
-void RequireDeletable(const std::string &doing, const Group &group) {
-  if (KVR_IsBackupMSC() != 0) throw Failure(doing, KVR_ERR_IS_BACKUP_MSC);
+void RequireDeletable(const std::string &doing, const Library &library, const Group &group) {
+  if (library.Session().IsBackupMsc()) throw Failure(doing, KVR_ERR_IS_BACKUP_MSC);
   if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
   if (!group.children.empty()) throw Failure(doing, KVR_ERR_HAS_CHILD_GROUPS);
 }
@@ -102,15 +105,15 @@ std::vector<std::string> NotesOnDeletion(const Library &library, const Group &gr
       "own group is deleted with --force."};
 }
 
-// The failure of a deletion that the library answered with code, its servers being out before.
-Failure DeletionFailure(const Library &library, const std::string &doing, std::uint32_t code,
-                        bool deleted, const std::vector<std::string> &retry) {
-  Failure failure(doing, code);
-  for (const Host *host : library.TakeFailedHosts())
-    failure.failedHosts.push_back({host->name, code});
+// The failure of a deletion that the library refused, its servers being out before.
+Failure DeletionFailure(const std::string &doing, const kvrapi::Error &error, bool deleted,
+                        const std::vector<std::string> &retry) {
+  Failure failure(doing, error.Code());
+  for (const kvrapi::FailedHost &failed : error.FailedHosts())
+    failure.failedHosts.push_back({failed.name, error.Code()});
   if (!deleted) {
     AddRetry(failure, retry);
-  } else if (code == KVR_ERR_SERVERS_FAILED) {
+  } else if (error.Code() == KVR_ERR_SERVERS_FAILED) {
     failure.hint =
         "The group is deleted, but the hosts listed still serve its slot: take them out with "
         "`kvrctl acg remove` and bring them back with `kvrctl acg add`.";
@@ -122,6 +125,11 @@ Failure DeletionFailure(const Library &library, const std::string &doing, std::u
   return failure;
 }
 
+std::string DrawDeleted(const Json &result, const Screen &) {
+  return Line("Group {} {}. Removed from its servers: {}.", Shown(result.at("path")),
+              result.at("deleted") ? "is deleted" : "stays", ShownList(result.at("done")));
+}
+
 }  // namespace
 
 Outcome CreateGroup(const GroupRequest &request) {
@@ -129,61 +137,64 @@ Outcome CreateGroup(const GroupRequest &request) {
   const std::string shownPath = PathText(path);
   const std::string name = TakeName(path);
   const Library library;
-  const bool top = path.client.empty() && path.names.empty();
   const Host &client = library.HostNamed(request.client);
   const auto servers = library.HostsNamed(request.servers);
-  Place place{top ? nullptr : library.GroupAt(path).handle, client.handle};
-  std::uint32_t granted = request.reserve;
-  const std::uint32_t code = Create(place, name, &granted);
-  const bool reduced = code == KVR_ERR_RESERVED_COUNT_REDUCED;
-  if (code != KVR_OK && !reduced) throw CreationFailure("Creating group " + shownPath, code, top);
+  const kvrapi::CreatedGroup made =
+      Create(library, path, name, client, request.reserve, "Creating group " + shownPath);
   Outcome outcome = {{{"path", shownPath},
                       {"client", client.name},
                       {"asked", request.reserve},
-                      {"granted", granted}},
-                     Line("Created group {} for client {}, with {} of {} reserved slots.",
-                          shownPath, client.name, granted, request.reserve),
-                     {},
-                     std::nullopt};
-  if (reduced) outcome.notes.push_back(ReducedNote(granted, request.reserve));
+                      {"granted", made.reserved}},
+                     DrawCreated};
+  if (made.reserved != request.reserve) {
+    outcome.notes.push_back(ReducedNote(made.reserved, request.reserve));
+  }
   if (!servers.empty()) {
-    AddServersTo(outcome, place.created, UniquePath(library, shownPath, client), servers);
+    AddServersTo(outcome, made.group, UniquePath(library, shownPath, client), servers);
   }
   NoteUnstoredName(outcome, client, name);
   return outcome;
 }
 
-Outcome DeleteGroup(const std::string &path, bool force) {
+Outcome DeleteGroup(const std::string &path, bool force, const Consent &consent) {
   const Library library;
   const Group &group = library.GroupAt(SplitPath(path));
   const std::string doing = "Deleting group " + group.path;
   std::vector<std::string> retry = {"kvrctl", "group", "delete"};
   if (force) retry.emplace_back("--force");
+  if (consent.yes) retry.emplace_back("--yes");
   retry = Naming(std::move(retry), {path});
-  RequireDeletable(doing, group);
+  RequireDeletable(doing, library, group);
   if (!force) RequireNoLostChildren(doing, library, group);
-  const HostResults servers = ChangeEach(group.servers, [&group](KVR_SYSTEM system) {
-    return KVR_RemoveServerFromAsg(group.handle, system);
-  });
-  std::optional<Failure> failure;
+  consent.Require(fmt::format("Group {} would be deleted: its client {} could reach none of its "
+                              "servers any more ({}).",
+                              group.path, group.client->name, ShownList(NamesOf(group.servers))),
+                  "delete");
+  const HostResults servers =
+      ChangeEach(doing, group.servers,
+                 [&group](const kvrapi::System &system) { group.group.RemoveServer(system); });
+  Outcome outcome;
   bool deleted = false;
   if (!servers.failed.empty()) {
-    failure = PartialFailure(doing, servers, retry);
-  } else if (const std::uint32_t code = KVR_DeleteAsg(group.handle)) {
-    // A group that is gone has no handle left to ask, but its client holds no slot any more.
-    deleted = KVR_IsClient(group.client->handle) == 0;
-    failure = DeletionFailure(library, doing, code, deleted, retry);
+    outcome.failure = PartialFailure(doing, servers, retry);
   } else {
-    deleted = true;
+    try {
+      group.group.Delete();
+      deleted = true;
+    } catch (const kvrapi::Error &error) {
+      deleted = group.group.IsStale();
+      outcome.failure = DeletionFailure(doing, error, deleted, retry);
+    }
   }
   const bool changed = deleted || !servers.done.empty();
-  if (failure) failure->status = changed ? ExitStatus::Partial : StatusOf(failure->code);
-  if (!changed) throw *failure;
-  return {{{"path", group.path}, {"deleted", deleted}, {"done", servers.done}},
-          Line("Group {} {}. Removed from its servers: {}.", group.path,
-               deleted ? "is deleted" : "stays", ShownList(servers.done)),
-          deleted ? NotesOnDeletion(library, group) : std::vector<std::string>{},
-          failure};
+  if (outcome.failure) {
+    outcome.failure->status = changed ? ExitStatus::Partial : StatusOf(outcome.failure->code);
+  }
+  if (!changed) throw Failure(*outcome.failure);
+  outcome.result = {{"path", group.path}, {"deleted", deleted}, {"done", servers.done}};
+  outcome.draw = DrawDeleted;
+  if (deleted) outcome.notes = NotesOnDeletion(library, group);
+  return outcome;
 }
 
 }  // namespace kvrctl

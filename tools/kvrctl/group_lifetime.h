@@ -23,7 +23,7 @@ Outcome CreateGroup(const GroupRequest &request);
 // Takes the group's servers out one by one, and deletes the group when all are out: while one is
 // not, the group stays, so that the same command can be repeated. Unless forced, refuses where
 // slots below the group are in use although no group is seen there. Throws Failure where nothing
-// was done.
-Outcome DeleteGroup(const std::string &path, bool force);
+// was done, as without consent.
+Outcome DeleteGroup(const std::string &path, bool force, const Consent &consent);
 
 }  // namespace kvrctl

@@ -1,7 +1,5 @@
 #include "group_views.h"
 
-#include "kvrapi/kvrapi.h"
-
 #include "library.h"
 #include "slot_reader.h"
 
@@ -17,12 +15,14 @@ Outcome ListGroups() {
                     {"servers", group.servers.size()},
                     {"children", group.children.size()}});
   });
-  const std::vector<Fact> columns = {{"path", "GROUP"},
-                                     {"client", "CLIENT"},
-                                     {"offline", "OFFLINE"},
-                                     {"servers", "SERVERS"},
-                                     {"children", "CHILDREN"}};
-  return {rows, Table(rows, columns, "There are no groups."), library.GroupNotes(), std::nullopt};
+  return {rows,
+          AsTable({{"path", "GROUP"},
+                   {"client", "CLIENT"},
+                   {"offline", "OFFLINE"},
+                   {"servers", "SERVERS"},
+                   {"children", "CHILDREN"}},
+                  "There are no groups."),
+          library.GroupNotes()};
 }
 
 Outcome ShowGroup(const std::string &path) {
@@ -32,27 +32,27 @@ Outcome ShowGroup(const std::string &path) {
   Json children = Json::array();
   for (const Group &child : group.children)
     children.push_back(child.path);
-  const Json shown = {{"name", group.name},
-                      {"path", group.path},
-                      {"client", ClientOf(group)},
-                      {"offline", group.offline},
-                      {"slot", SlotOf(ReadSlots(library.Hosts()), group.client)},
-                      {"free", KVR_GetFreeIndexCount(group.handle)},
-                      {"used", KVR_GetUsedIndexCount(group.handle)},
-                      {"servers", NamesOf(group.servers)},
-                      {"available", available ? Json(NamesOf(*available)) : Json()},
-                      {"children", children}};
-  const std::vector<Fact> lines = {{"name", "name"},
-                                   {"path", "path"},
-                                   {"client", "client"},
-                                   {"offline", "offline"},
-                                   {"slot", "slot"},
-                                   {"free", "free slots below"},
-                                   {"used", "used slots below"},
-                                   {"servers", "servers"},
-                                   {"available", "could serve"},
-                                   {"children", "children"}};
-  return {shown, Sheet(shown, lines), {}, std::nullopt};
+  const kvrapi::SlotCount slots = group.group.Slots();
+  return {{{"name", group.name},
+           {"path", group.path},
+           {"client", ClientOf(group)},
+           {"offline", group.offline},
+           {"slot", SlotOf(ReadSlots(library.Hosts()), group.client)},
+           {"free", slots.free},
+           {"used", slots.used},
+           {"servers", NamesOf(group.servers)},
+           {"available", available ? Json(NamesOf(*available)) : Json()},
+           {"children", children}},
+          AsSheet({{"name", "name"},
+                   {"path", "path"},
+                   {"client", "client"},
+                   {"offline", "offline"},
+                   {"slot", "slot"},
+                   {"free", "free slots below"},
+                   {"used", "used slots below"},
+                   {"servers", "servers"},
+                   {"available", "could serve"},
+                   {"children", "children"}})};
 }
 
 Outcome ListAvailable(const std::string &path) {
@@ -62,8 +62,7 @@ Outcome ListAvailable(const std::string &path) {
   if (!available) {
     throw Failure("Listing who could serve " + group.path, KVR_ERR_IS_BACKUP_MSC);
   }
-  const Json rows = RowsOf(*available);
-  return {rows, HostTable(rows, "No host could be added."), {}, std::nullopt};
+  return {RowsOf(*available), AsHostTable("No host could be added.")};
 }
 
 }  // namespace kvrctl

@@ -6,8 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "kvrapi/kvrapi.h"
-
+#include "progress.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -30,10 +29,13 @@ bool IsSettled(const HostFailure &failed) {
 
 }  // namespace
 
-HostResults ChangeEach(const std::vector<const Host *> &hosts, const Change &change) {
+HostResults ChangeEach(const std::string &doing, const std::vector<const Host *> &hosts,
+                       const Change &change) {
+  Progress progress(doing, hosts.size());
   HostResults results;
   for (const Host *host : hosts) {
-    const std::uint32_t code = change(host->handle);
+    progress.Step(host->name);
+    const std::uint32_t code = CodeOf([&] { change(host->system); });
     if (code == KVR_OK) {
       results.done.push_back(host->name);
     } else {
@@ -43,11 +45,18 @@ HostResults ChangeEach(const std::vector<const Host *> &hosts, const Change &cha
   return results;
 }
 
-HostResults ResultsInAcg(const Library &library, std::uint32_t code) {
-  const auto kept = library.TakeFailedHosts();
-  HostResults results;
-  for (const Host *host : kept)
-    results.failed.push_back({host->name, code});
+AcgResults ChangeAcg(const Library &library, const std::function<void()> &change) {
+  AcgResults results;
+  std::vector<const Host *> kept;
+  try {
+    change();
+  } catch (const kvrapi::Error &error) {
+    results.code = error.Code();
+    for (const kvrapi::FailedHost &failed : error.FailedHosts()) {
+      kept.push_back(library.Find(failed.system));
+      results.failed.push_back({failed.name, error.Code()});
+    }
+  }
   for (const Host &host : library.Hosts()) {
     const bool failed = std::find(kept.begin(), kept.end(), &host) != kept.end();
     if (host.inAcg && !failed) results.done.push_back(host.name);
@@ -57,11 +66,12 @@ HostResults ResultsInAcg(const Library &library, std::uint32_t code) {
 
 Outcome ChangeHosts(const Library &library, const std::vector<std::string> &names,
                     const Wording &wording, const Change &change) {
-  const HostResults results = ChangeEach(library.HostsNamed(names), change);
-  Outcome outcome = {{{"done", results.done}},
-                     Line("{}: {}.", wording.didSo, Shown(results.done)),
-                     {},
-                     std::nullopt};
+  const HostResults results = ChangeEach(wording.doing, library.HostsNamed(names), change);
+  Outcome outcome;
+  outcome.result = {{"done", results.done}};
+  outcome.draw = [didSo = wording.didSo](const Json &result, const Screen &) {
+    return Line("{}: {}.", didSo, Shown(result.at("done")));
+  };
   if (results.failed.empty()) return outcome;
   Failure failure = PartialFailure(wording.doing, results, NamingFailed(wording.command, results));
   if (results.done.empty()) {
@@ -72,17 +82,24 @@ Outcome ChangeHosts(const Library &library, const std::vector<std::string> &name
   return outcome;
 }
 
-void AddMscChange(CLI::App &family, Chosen &chosen, const std::string &name,
-                  const std::string &description, const Wording &wording,
-                  std::uint32_t (*change)(KVR_SYSTEM)) {
-  const auto hosts = std::make_shared<std::vector<std::string>>();
-  const auto run = [hosts, wording, change] {
+void AddMscChange(CLI::App &family, Commands &commands, const Description &description,
+                  const Wording &spoken, void (kvrapi::Session::*change)(const kvrapi::System &),
+                  const std::string &sentence) {
+  const auto names = std::make_shared<std::vector<std::string>>();
+  const auto run = [names, spoken, change, sentence, &consent = commands.consent] {
     const Library library;
+    Wording wording = spoken;
     library.RequireAllHosts(wording.doing);
-    return ChangeHosts(library, *hosts, wording, change);
+    const Json hosts = NamesOf(library.HostsNamed(*names));
+    if (!sentence.empty()) {
+      consent.Require(fmt::format(fmt::runtime(sentence), Shown(hosts)), wording.command.back());
+      if (consent.yes) wording.command.emplace_back("--yes");
+    }
+    return ChangeHosts(library, *names, wording,
+                       [&](const kvrapi::System &system) { (library.Session().*change)(system); });
   };
-  AddCommand(family, name, description, chosen, run)
-      ->add_option("HOST", *hosts, "The hosts, by their 8-bit or UTF-16 names")
+  AddCommand(family, description, commands, run)
+      ->add_option("HOST", *names, "The hosts, by their 8-bit or UTF-16 names")
       ->required();
 }
 

@@ -18,7 +18,8 @@ struct Wording {
   std::vector<std::string> command;  // its words before the hosts, as {"kvrctl", "acg", "add"}
 };
 
-using Change = std::function<std::uint32_t(KVR_SYSTEM)>;
+// A change to one host; throws kvrapi::Error.
+using Change = std::function<void(const kvrapi::System &)>;
 
 // What became of a change to several hosts.
 struct HostResults {
@@ -26,12 +27,17 @@ struct HostResults {
   std::vector<HostFailure> failed;
 };
 
-// Calls change(system) for every host.
-HostResults ChangeEach(const std::vector<const Host *> &hosts, const Change &change);
+// Calls change(system) for every host; doing is what the progress line says.
+HostResults ChangeEach(const std::string &doing, const std::vector<const Host *> &hosts,
+                       const Change &change);
 
-// What became of a change that the library makes to every host of the ACG by itself and that it
-// answered with code, 0 or 5008. The marks of the hosts that failed are cleared.
-HostResults ResultsInAcg(const Library &library, std::uint32_t code);
+// What became of a change that the library makes to every host of the ACG by itself.
+struct AcgResults : HostResults {
+  std::uint32_t code = KVR_OK;  // as the library answered
+};
+
+// Makes such a change. The ACG is that of before; the hosts that failed are there after 5008 only.
+AcgResults ChangeAcg(const Library &library, const std::function<void()> &change);
 
 // Calls change(system) for every host that the user names. Throws Failure before anything is
 // changed where a name does not fit one host, and afterwards where every host failed; where some
@@ -39,11 +45,11 @@ HostResults ResultsInAcg(const Library &library, std::uint32_t code);
 Outcome ChangeHosts(const Library &library, const std::vector<std::string> &names,
                     const Wording &wording, const Change &change);
 
-// Adds the command called name below family: a change that only the MSC makes, to the hosts that
-// the command line names.
-void AddMscChange(CLI::App &family, Chosen &chosen, const std::string &name,
-                  const std::string &description, const Wording &wording,
-                  std::uint32_t (*change)(KVR_SYSTEM));
+// Adds a command below family: a change that only the MSC makes, to the hosts that the command line
+// names. Where it destroys, sentence says what it does to those hosts, their names put in at "{}".
+void AddMscChange(CLI::App &family, Commands &commands, const Description &description,
+                  const Wording &wording, void (kvrapi::Session::*change)(const kvrapi::System &),
+                  const std::string &sentence = "");
 
 // Ends the failure's way out with the command that repeats what was asked.
 void AddRetry(Failure &failure, const std::vector<std::string> &command);

@@ -1,58 +1,41 @@
 #include "library.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
+#include <utility>
 
 #include <fmt/format.h>
 
+#include "dry_run.h"
 #include "fabric/platform_files.h"
 #include "failure.h"
 #include "no_network.h"
 #include "paths.h"
-#include "text.h"
+#include "progress.h"
 
 namespace kvrctl {
 namespace {
 
-constexpr std::uint32_t kNameSize = 32;  // the longest name; the exports end only shorter ones
-
-// The name that a pair of exports gives, whatever its result says of a group that is offline.
-template <class Character, class Handle>
-std::basic_string<Character> ReadName(std::uint32_t (*read)(Handle, Character *, std::uint32_t),
-                                      Handle handle) {
-  std::array<Character, kNameSize + 1> buffer{};
-  read(handle, buffer.data(), kNameSize);
-  return buffer.data();
+// The library of this process, opened at the first call. In a dry run it is not used before it is
+// sure that nothing will be written.
+kvrapi::Session &OpenSession() {
+  static kvrapi::Session session = [] {
+    try {
+      return kvrapi::Session(kvrapi::Session::DeferDiscovery{});
+    } catch (const kvrapi::Error &error) {
+      if (error.Code() == KVR_ERR_NO_LOCAL_ADAPTER) throw NoLocalAdapter();
+      throw Failure("Initializing the library", error.Code());
+    }
+  }();
+  DryRun::RequireOverlay();
+  return session;
 }
 
-template <class Handle>
-std::string ReadWideName(std::uint32_t (*read)(Handle, KVR_WCHAR *, std::uint32_t), Handle handle) {
-  const auto name = ReadName<KVR_WCHAR>(read, handle);
-  return Utf8Of(std::u16string(name.begin(), name.end()));
-}
-
-// The handles that a listing export gives, room being made for count of them.
-template <class Handle, class List>
-std::vector<Handle> ReadHandles(const char *what, std::uint32_t count, const List &list) {
-  std::vector<Handle> handles(count);
-  Require(what, list(handles.data(), &count));
-  handles.resize(count);
-  return handles;
-}
-
-std::vector<Host> ReadHosts(const std::vector<KVR_SYSTEM> &handles) {
+std::vector<Host> ReadHosts(const std::vector<kvrapi::System> &systems) {
   std::vector<Host> hosts;
-  for (KVR_SYSTEM handle : handles) {
-    Host host;
-    host.handle = handle;
-    host.wideName = ReadWideName(KVR_GetSystemNameW, handle);
-    host.name = Utf8OfBytes(ReadName<char>(KVR_GetSystemNameA, handle));
-    if (host.name.empty()) host.name = host.wideName;
-    host.inAcg = KVR_IsServer(handle) != 0;
-    host.holdsSlot = KVR_IsClient(handle) != 0;
-    hosts.push_back(std::move(host));
-  }
+  for (const kvrapi::System &system : systems)
+    hosts.push_back(
+        {system, system.Name(), system.WideName(), system.IsInAcg(), system.HoldsSlot()});
   return hosts;
 }
 
@@ -88,63 +71,49 @@ const Group &OnlyGroup(const std::vector<const Group *> &found, const GroupPath 
 
 }  // namespace
 
-Library::Library() {
-  const std::uint32_t loaded = KVR_Initialize();
-  if (loaded == KVR_ERR_NO_LOCAL_ADAPTER) throw NoLocalAdapter();
-  if (loaded != KVR_ERR_NOT_SECURED) Require("Initializing the library", loaded);
-  Require("Discovering the hosts", KVR_DiscoverServers(nullptr, 0));
-
-  outsidersWithheld_ = KVR_SecurityState() == KVR_OK && KVR_IsMSC() == 0;
-  hosts_ = ReadHosts(
-      ReadHandles<KVR_SYSTEM>("Listing the ACG", KVR_GetAcgServerCount(), KVR_GetAcgServers));
+Library::Library() : session_(OpenSession()) {
+  if (!session_.HasDiscovered()) {
+    const Progress progress("Discovering the hosts");
+    session_.Discover();
+  }
+  outsidersWithheld_ = session_.IsSecured() && !session_.IsMsc();
+  hosts_ = ReadHosts(session_.Members());
   if (!outsidersWithheld_) {
-    const auto outside = ReadHosts(ReadHandles<KVR_SYSTEM>(
-        "Listing the hosts", KVR_GetUnsecureServerCount(), KVR_GetUnsecureServers));
-    hosts_.insert(hosts_.end(), outside.begin(), outside.end());
+    for (Host &host : ReadHosts(session_.Outsiders()))
+      hosts_.push_back(std::move(host));
   }
-  const auto backups = ReadHandles<KVR_SYSTEM>("Listing the backup MSCs", KVR_GetBackupMSCCount(),
-                                               KVR_GetBackupMSCs);
-  for (Host &host : hosts_) {
-    byHandle_[host.handle] = &host;
-    host.backupMsc = std::find(backups.begin(), backups.end(), host.handle) != backups.end();
+  for (const kvrapi::System &backup : session_.BackupMscs()) {
+    for (Host &host : hosts_)
+      host.backupMsc |= host.system == backup;
   }
-  groups_ = ReadGroups(nullptr, "");
+  groups_ = ReadGroups(session_.Groups(), "");
 }
 
-std::vector<Group> Library::ReadGroups(KVR_GROUP parent, const std::string &parentPath) const {
-  std::vector<Group> groups;
-  const auto children = [parent](KVR_GROUP *list, std::uint32_t *count) {
-    return KVR_GetChildAsgs(parent, list, count);
-  };
-  for (KVR_GROUP handle :
-       ReadHandles<KVR_GROUP>("Listing the groups", KVR_GetChildAsgCount(parent), children)) {
-    const auto servers = [handle](KVR_SYSTEM *list, std::uint32_t *count) {
-      return KVR_GetAsgServers(handle, list, count);
-    };
-    Group group;
-    group.handle = handle;
-    group.name = ReadWideName(KVR_GetAsgNameW, handle);
-    group.offline = KVR_IsAsgOffline(handle) != 0;
-    group.client = Find(KVR_GetAsgClient(handle));
+std::vector<Group> Library::ReadGroups(const std::vector<kvrapi::Group> &groups,
+                                       const std::string &parentPath) const {
+  std::vector<Group> read;
+  for (const kvrapi::Group &from : groups) {
+    Group group{from, from.Name(), "", from.IsOffline()};
+    if (const auto client = from.Client()) group.client = Find(*client);
     group.path = group.name.empty() && group.client != nullptr ? ClientPath(group.client->name)
                                                                : JoinPath(parentPath, group.name);
-    group.servers = Find(
-        ReadHandles<KVR_SYSTEM>("Listing the servers", KVR_GetAsgServerCount(handle), servers));
-    group.children = ReadGroups(handle, group.path);
-    groups.push_back(std::move(group));
+    group.servers = Find(from.Servers());
+    group.children = ReadGroups(from.Children(), group.path);
+    read.push_back(std::move(group));
   }
-  return groups;
+  return read;
 }
 
-const Host *Library::Find(KVR_SYSTEM handle) const {
-  const auto found = byHandle_.find(handle);
-  return found == byHandle_.end() ? nullptr : found->second;
+const Host *Library::Find(const kvrapi::System &system) const {
+  const auto found = std::find_if(hosts_.begin(), hosts_.end(),
+                                  [&](const Host &host) { return host.system == system; });
+  return found == hosts_.end() ? nullptr : &*found;
 }
 
-std::vector<const Host *> Library::Find(const std::vector<KVR_SYSTEM> &handles) const {
+std::vector<const Host *> Library::Find(const std::vector<kvrapi::System> &systems) const {
   std::vector<const Host *> hosts;
-  for (KVR_SYSTEM handle : handles) {
-    if (const Host *host = Find(handle)) hosts.push_back(host);
+  for (const kvrapi::System &system : systems) {
+    if (const Host *host = Find(system)) hosts.push_back(host);
   }
   return hosts;
 }
@@ -215,18 +184,9 @@ const Group &Library::GroupAt(const GroupPath &path) const {
 }
 
 std::optional<std::vector<const Host *>> Library::AvailableServers(const Group &group) const {
-  if (KVR_IsBackupMSC() != 0) return std::nullopt;
-  const auto list = [&group](KVR_SYSTEM *systems, std::uint32_t *count) {
-    return KVR_GetAvailAsgServers(group.handle, systems, count);
-  };
-  return Find(ReadHandles<KVR_SYSTEM>("Listing the available servers",
-                                      KVR_GetAvailAsgServerCount(group.handle), list));
-}
-
-std::vector<const Host *> Library::TakeFailedHosts() const {
-  const auto room = static_cast<std::uint32_t>(hosts_.size());
-  return Find(
-      ReadHandles<KVR_SYSTEM>("Listing the hosts that failed", room, KVR_GetLastOpFailedServers));
+  if (session_.IsBackupMsc()) return std::nullopt;
+  return Find(Require("Listing the available servers",
+                      [&group] { return group.group.AvailableServers(); }));
 }
 
 std::vector<std::string> Library::Notes() const {
@@ -235,16 +195,15 @@ std::vector<std::string> Library::Notes() const {
 }
 
 std::vector<std::string> Library::GroupNotes() const {
-  if (KVR_SecurityState() != KVR_OK || KVR_IsSecureClient() != 0) return {};
+  if (!session_.IsSecured() || session_.HoldsSlot()) return {};
   return {
       "A host that holds no slot does not learn of slots, clients, groups and backup MSCs; ask "
       "on the MSC."};
 }
 
-void RequireConfiguration(const std::string &doing) {
-  const std::uint32_t code = KVR_SecurityState();
-  if (code == KVR_OK) return;
-  Failure failure(doing, code);
+void RequireConfiguration(const Library &library, const std::string &doing) {
+  if (library.Session().IsSecured()) return;
+  Failure failure(doing, KVR_ERR_NOT_SECURED);
   failure.hint = "Run the command on a host of the configuration; `kvrctl status` shows a role.";
   throw failure;
 }
@@ -273,8 +232,8 @@ Json RowsOf(const std::vector<const Host *> &hosts) {
   return rows;
 }
 
-std::string HostTable(const Json &rows, std::string_view none) {
-  return Table(rows, {{"name", "HOST"}, {"wide_name", "UTF-16 NAME"}}, none);
+Drawing AsHostTable(std::string none) {
+  return AsTable({{"name", "HOST"}, {"wide_name", "UTF-16 NAME"}}, std::move(none));
 }
 
 Json ClientOf(const Group &group) {

@@ -1,14 +1,14 @@
-// One run's picture of the configuration: the library opened and one discovery done, its hosts and
-// groups as plain records beside their handles.
+// A picture of the configuration as the library sees it: its hosts and groups as plain records
+// beside their handles. The first picture of a run opens the library and discovers the hosts; later
+// ones are read from the library as it stands.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
-#include "kvrapi/kvrapi.h"
+#include "kvrapi/kvrapi.hpp"
 
 #include "paths.h"
 #include "show.h"
@@ -17,31 +17,34 @@ namespace kvrctl {
 
 // A host that the library lists; the local host is never among them.
 struct Host {
-  KVR_SYSTEM handle = nullptr;
-  std::string name;      // the 8-bit name, or the UTF-16 one where that is empty; UTF-8
-  std::string wideName;  // the UTF-16 name, or empty; UTF-8
+  kvrapi::System system;
+  std::string name = {};      // the 8-bit name, or the UTF-16 one where that is empty; UTF-8
+  std::string wideName = {};  // the UTF-16 name, or empty; UTF-8
   bool inAcg = false;
   bool holdsSlot = false;  // a group's client, the MSC or a backup MSC
   bool backupMsc = false;
 };
 
 struct Group {
-  KVR_GROUP handle = nullptr;
-  std::string name;              // UTF-8; empty where the client's table could not be read
-  std::string path;              // by which it is named on the command line (paths.h)
+  kvrapi::Group group;
+  std::string name = {};         // UTF-8; empty where the client's table could not be read
+  std::string path = {};         // by which it is named on the command line (paths.h)
   bool offline = false;          // stands for a client that was not found
   const Host *client = nullptr;  // null for an offline group
-  std::vector<const Host *> servers;
-  std::vector<Group> children;
+  std::vector<const Host *> servers = {};
+  std::vector<Group> children = {};
 };
 
 class Library {
  public:
-  // Initializes the library and discovers the hosts, waiting until that is complete. Throws Failure
-  // with the cause where this host has nothing to talk to.
+  // Opens the library where that is still to be done, and discovers the hosts, waiting until that
+  // is complete, where no discovery holds. Throws Failure with the cause where this host has
+  // nothing to talk to.
   Library();
   Library(const Library &) = delete;
   Library &operator=(const Library &) = delete;
+
+  kvrapi::Session &Session() const { return session_; }
 
   const std::vector<Host> &Hosts() const { return hosts_; }
   const std::vector<Group> &Groups() const { return groups_; }  // the top level
@@ -70,22 +73,22 @@ class Library {
   // know.
   std::optional<std::vector<const Host *>> AvailableServers(const Group &group) const;
 
-  // The hosts that the last change could not write; their marks are cleared.
-  std::vector<const Host *> TakeFailedHosts() const;
+  // The host of this picture that the system is, or null.
+  const Host *Find(const kvrapi::System &system) const;
 
  private:
-  const Host *Find(KVR_SYSTEM handle) const;
-  std::vector<const Host *> Find(const std::vector<KVR_SYSTEM> &handles) const;
-  std::vector<Group> ReadGroups(KVR_GROUP parent, const std::string &parentPath) const;
+  std::vector<const Host *> Find(const std::vector<kvrapi::System> &systems) const;
+  std::vector<Group> ReadGroups(const std::vector<kvrapi::Group> &groups,
+                                const std::string &parentPath) const;
 
+  kvrapi::Session &session_;
   std::vector<Host> hosts_;
-  std::unordered_map<KVR_SYSTEM, const Host *> byHandle_;
   std::vector<Group> groups_;
   bool outsidersWithheld_ = false;  // this host is secured and not the MSC
 };
 
 // Throws Failure (5004) where no configuration is active on this host.
-void RequireConfiguration(const std::string &doing);
+void RequireConfiguration(const Library &library, const std::string &doing);
 
 // Calls visit(group) for every group below, parents before their children.
 template <class Visit>
@@ -105,7 +108,7 @@ Json NamesOf(const std::vector<const Host *> &hosts);
 // The hosts as records of their two names, and such records as a table; with none, the sentence
 // `none`.
 Json RowsOf(const std::vector<const Host *> &hosts);
-std::string HostTable(const Json &rows, std::string_view none);
+Drawing AsHostTable(std::string none);
 
 // The name of the group's client, or null.
 Json ClientOf(const Group &group);

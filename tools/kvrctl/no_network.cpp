@@ -5,10 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "kvrapi/kvrapi.h"
-
 #include "fabric/platform_files.h"
-#include "result_text.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -60,7 +57,7 @@ Failure NoLocalAdapter() {
   }();
   if (failure.code == 0) {
     failure.code = KVR_ERR_NO_LOCAL_ADAPTER;
-    failure.name = TextOf(failure.code).name;
+    failure.name = kvrapi::TextOf(failure.code).name;
     failure.message +=
         fmt::format(" So this host has no adapter ({} {}).", failure.code, failure.name);
   }

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include "kvrapi/text.hpp"
+
 #include "failure.h"
 #include "text.h"
 
@@ -42,16 +44,12 @@ std::string PathText(const GroupPath &path) {
   return text;
 }
 
-std::basic_string<KVR_WCHAR> WideNameOf(const std::string &name) {
-  const auto units = Utf16Of(name);
-  if (!units) {
-    throw Failure(ExitStatus::Usage, "INVALID_PATH", "The name of the group is not valid UTF-8.",
-                  "Write the name in UTF-8.");
-  }
-  return {units->begin(), units->end()};
-}
-
 GroupPath SplitPath(std::string_view path) {
+  if (!kvrapi::Utf16Of(path)) {
+    throw Failure(ExitStatus::Usage, "INVALID_PATH",
+                  fmt::format("The path '{}' is not valid UTF-8.", Printable(path)),
+                  "Write the path in UTF-8.");
+  }
   const bool fromClient = path.substr(0, 1) == "@";
   std::vector<std::string> names(1);
   for (std::size_t i = fromClient ? 1 : 0; i < path.size(); ++i) {

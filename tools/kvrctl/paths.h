@@ -10,8 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "kvrapi/kvr_wchar.h"
-
 namespace kvrctl {
 
 struct GroupPath {
@@ -28,10 +26,8 @@ std::string ClientPath(std::string_view client);
 // The path as a user would write it.
 std::string PathText(const GroupPath &path);
 
-// The UTF-16 form of a group's name. Throws Failure where the name is not valid UTF-8.
-std::basic_string<KVR_WCHAR> WideNameOf(const std::string &name);
-
-// Takes a path apart. Throws Failure where it is empty, ends in a lone '\' or holds an empty name.
+// Takes a path apart. Throws Failure where it is empty, is not valid UTF-8, ends in a lone '\' or
+// holds an empty name.
 GroupPath SplitPath(std::string_view path);
 
 }  // namespace kvrctl

@@ -1,6 +1,8 @@
 // The few things that kvrctl asks of the operating system itself; each has its own .cpp.
 #pragma once
 
+#include <cstddef>
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,10 +11,19 @@ namespace kvrctl {
 
 // The words of the command line behind the program's name, in UTF-8 wherever the system knows them
 // so.
-std::vector<std::string> CommandLine(int argc, char **argv);
+std::vector<std::string> ProgramArguments(int argc, char **argv);
 
 // Lets a terminal take what is printed as UTF-8, and files take it unchanged.
 void PrepareOutput();
+
+// True when the stream is a terminal.
+bool IsTerminal(std::FILE *stream);
+
+// The columns of the terminal that standard output is; 80 where it does not tell.
+std::size_t TerminalWidth();
+
+// Lets the terminal take colours; false where it cannot.
+bool EnableColor();
 
 // The ASCII characters beside letters and digits that mean nothing to the system's shell.
 extern const std::string_view kPlainInShell;

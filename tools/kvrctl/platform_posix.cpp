@@ -1,14 +1,36 @@
 #include <stdlib.h>
+#include <unistd.h>
+
+#include <sys/ioctl.h>
 
 #include "platform.h"
 
 namespace kvrctl {
+namespace {
 
-std::vector<std::string> CommandLine(int argc, char **argv) {
+constexpr std::size_t kUsualWidth = 80;
+
+}  // namespace
+
+std::vector<std::string> ProgramArguments(int argc, char **argv) {
   return {argv + 1, argv + argc};
 }
 
 void PrepareOutput() {}
+
+bool IsTerminal(std::FILE *stream) {
+  return isatty(fileno(stream)) == 1;
+}
+
+std::size_t TerminalWidth() {
+  winsize size{};
+  const bool told = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return told ? size.ws_col : kUsualWidth;
+}
+
+bool EnableColor() {
+  return true;
+}
 
 const std::string_view kPlainInShell = "-_./@:,+=%";
 

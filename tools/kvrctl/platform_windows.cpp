@@ -5,20 +5,26 @@
 #include <memory>
 #include <windows.h>
 
+#include "kvrapi/text.hpp"
+
 #include "fabric/platform_files.h"
 #include "platform.h"
-#include "text.h"
 
 namespace kvrctl {
+namespace {
 
-std::vector<std::string> CommandLine(int /*argc*/, char ** /*argv*/) {
+constexpr std::size_t kUsualWidth = 80;
+
+}  // namespace
+
+std::vector<std::string> ProgramArguments(int /*argc*/, char ** /*argv*/) {
   int count = 0;
   const std::unique_ptr<LPWSTR, decltype(&LocalFree)> words(
       CommandLineToArgvW(GetCommandLineW(), &count), LocalFree);
   std::vector<std::string> arguments;
   for (int i = 1; words && i < count; ++i) {
     const std::wstring word = words.get()[i];
-    arguments.push_back(Utf8Of(std::u16string(word.begin(), word.end())));
+    arguments.push_back(kvrapi::Utf8Of(word));
   }
   return arguments;
 }
@@ -29,6 +35,25 @@ void PrepareOutput() {
   SetConsoleOutputCP(CP_UTF8);
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
+}
+
+bool IsTerminal(std::FILE *stream) {
+  DWORD mode = 0;
+  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))), &mode) != 0;
+}
+
+std::size_t TerminalWidth() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  const bool told = GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) != 0;
+  const int columns = info.srWindow.Right - info.srWindow.Left + 1;
+  return told && columns > 0 ? static_cast<std::size_t>(columns) : kUsualWidth;
+}
+
+bool EnableColor() {
+  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  DWORD mode = 0;
+  return GetConsoleMode(output, &mode) != 0 &&
+         SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
 const std::string_view kPlainInShell = "-_./@:+\\";

@@ -2,8 +2,6 @@
 
 #include <cstdio>
 
-#include "result_text.h"
-
 namespace kvrctl {
 namespace {
 
@@ -13,7 +11,7 @@ Json ErrorJson(const Failure &failure) {
   Json failedHosts = Json::array();
   for (const HostFailure &failed : failure.failedHosts) {
     failedHosts.push_back(
-        {{"host", failed.host}, {"code", failed.code}, {"name", TextOf(failed.code).name}});
+        {{"host", failed.host}, {"code", failed.code}, {"name", kvrapi::TextOf(failed.code).name}});
   }
   return {{"code", failure.code == 0 ? Json() : Json(failure.code)},
           {"name", failure.name},
@@ -27,34 +25,46 @@ void Write(std::FILE *stream, const std::string &text) {
 }
 
 void WriteJson(const std::string &command, const Outcome &outcome) {
-  Json object = {{"schema", kSchema},
-                 {"command", command.empty() ? Json() : Json(command)},
-                 {"ok", !outcome.failure}};
-  if (!outcome.result.is_null()) object["result"] = outcome.result;
-  if (!outcome.notes.empty()) object["notes"] = outcome.notes;
-  if (outcome.failure) object["error"] = ErrorJson(*outcome.failure);
+  Json object = {{"schema", kSchema}, {"command", command.empty() ? Json() : Json(command)}};
+  object.update(OutcomeJson(outcome));
   Write(stdout, object.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n');
 }
 
-void WriteFailedHosts(const std::vector<HostFailure> &failedHosts) {
-  for (const HostFailure &failed : failedHosts) {
-    const ResultText &why = TextOf(failed.code);
-    Write(stderr, "  " + Line("{}: {} ({} {})", failed.host, why.meaning, failed.code, why.name));
-  }
-}
-
 void WriteText(const Outcome &outcome) {
-  Write(stdout, outcome.text);
-  for (const std::string &note : outcome.notes)
-    Write(stdout, Line("{}", note));
+  Write(stdout, ResultText(outcome, OutputScreen()));
   if (!outcome.failure) return;
   std::fflush(stdout);
-  Write(stderr, Line("kvrctl: {}", outcome.failure->message));
-  if (outcome.failure->failedHosts.size() > 1) WriteFailedHosts(outcome.failure->failedHosts);
-  Write(stderr, "  " + Line("{}", outcome.failure->hint));
+  Write(stderr, "kvrctl: " + FailureText(*outcome.failure));
 }
 
 }  // namespace
+
+Json OutcomeJson(const Outcome &outcome) {
+  Json object = {{"ok", !outcome.failure}};
+  if (!outcome.result.is_null()) object["result"] = outcome.result;
+  if (!outcome.notes.empty()) object["notes"] = outcome.notes;
+  if (outcome.failure) object["error"] = ErrorJson(*outcome.failure);
+  return object;
+}
+
+std::string ResultText(const Outcome &outcome, const Screen &screen) {
+  std::string text;
+  if (outcome.draw && !outcome.result.is_null()) text = outcome.draw(outcome.result, screen);
+  for (const std::string &note : outcome.notes)
+    text += Line("{}", note);
+  return text;
+}
+
+std::string FailureText(const Failure &failure) {
+  std::string text = Line("{}", failure.message);
+  if (failure.failedHosts.size() > 1) {
+    for (const HostFailure &failed : failure.failedHosts) {
+      const kvrapi::CodeText &why = kvrapi::TextOf(failed.code);
+      text += "  " + Line("{}: {} ({} {})", failed.host, why.meaning, failed.code, why.name);
+    }
+  }
+  return text + "  " + Line("{}", failure.hint);
+}
 
 ExitStatus Render(Form form, const std::string &command, const Outcome &outcome) {
   if (form == Form::ForPrograms) {
@@ -68,11 +78,11 @@ ExitStatus Render(Form form, const std::string &command, const Outcome &outcome)
           "changed stays changed: look with `kvrctl status` or `kvrctl tree` before repeating.\n");
     return ExitStatus::NothingToTalkTo;
   }
-  return outcome.failure ? outcome.failure->status : ExitStatus::Done;
+  return StatusOf(outcome);
 }
 
 ExitStatus Render(Form form, const std::string &command, const Failure &failure) {
-  return Render(form, command, Outcome{Json(), "", {}, failure});
+  return Render(form, command, Outcome{Json(), {}, {}, failure});
 }
 
 }  // namespace kvrctl

@@ -9,6 +9,16 @@ namespace kvrctl {
 
 enum class Form { ForPeople, ForPrograms };
 
+// What the object for programs says of an outcome: "ok", and what there is of "result", "notes" and
+// "error".
+Json OutcomeJson(const Outcome &outcome);
+
+// An outcome's result and notes for people, in whole lines.
+std::string ResultText(const Outcome &outcome, const Screen &screen);
+
+// A failure for people: the sentence, the hosts that failed where they are several, the way out.
+std::string FailureText(const Failure &failure);
+
 // Writes an outcome: for people, the result on standard output and a failure on standard error; for
 // programs, one object on standard output. Returns the exit status; NothingToTalkTo where standard
 // output took no answer.

@@ -1,5 +1,7 @@
 #include "show.h"
 
+#include <utility>
+
 namespace kvrctl {
 
 std::string Shown(const Json &value) {
@@ -17,24 +19,29 @@ std::string ShownList(const Json &list) {
   return list.empty() ? "none" : Shown(list);
 }
 
-std::string Table(const Json &rows, const std::vector<Fact> &columns, std::string_view none) {
-  if (rows.empty()) return std::string(none) + '\n';
-  std::vector<std::vector<std::string>> cells(1);
-  for (const Fact &column : columns)
-    cells.front().emplace_back(column.label);
-  for (const Json &row : rows) {
-    std::vector<std::string> &line = cells.emplace_back();
+Drawing AsTable(std::vector<Fact> columns, std::string none) {
+  return [columns = std::move(columns), none = std::move(none)](const Json &rows,
+                                                                const Screen &) -> std::string {
+    if (rows.empty()) return none + '\n';
+    std::vector<std::vector<std::string>> cells(1);
     for (const Fact &column : columns)
-      line.push_back(Shown(row.at(column.key)));
-  }
-  return Columns(cells);
+      cells.front().emplace_back(column.label);
+    for (const Json &row : rows) {
+      std::vector<std::string> &line = cells.emplace_back();
+      for (const Fact &column : columns)
+        line.push_back(Shown(row.at(column.key)));
+    }
+    return Columns(cells);
+  };
 }
 
-std::string Sheet(const Json &object, const std::vector<Fact> &lines) {
-  std::vector<std::vector<std::string>> cells;
-  for (const Fact &line : lines)
-    cells.push_back({line.label, Shown(object.at(line.key))});
-  return Columns(cells);
+Drawing AsSheet(std::vector<Fact> lines) {
+  return [lines = std::move(lines)](const Json &object, const Screen &) {
+    std::vector<std::vector<std::string>> cells;
+    for (const Fact &line : lines)
+      cells.push_back({line.label, Shown(object.at(line.key))});
+    return Columns(cells);
+  };
 }
 
 }  // namespace kvrctl

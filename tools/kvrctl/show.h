@@ -1,9 +1,10 @@
 // Text made from a command's result, so that what is read says what the JSON form says: the result
-// is built once, as JSON, and the text is a view of it.
+// is built once, as JSON, and the text is drawn from it alone.
 //
 // In text null is "-", true and false are yes and no, a list is joined by ", ".
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,11 +12,15 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "screen.h"
 #include "text.h"
 
 namespace kvrctl {
 
 using Json = nlohmann::ordered_json;
+
+// Draws a result as whole lines. What it captures is wording, never a fact.
+using Drawing = std::function<std::string(const Json &result, const Screen &screen)>;
 
 // One fact of an object: its key in JSON and what it is called in text.
 struct Fact {
@@ -31,10 +36,10 @@ std::string ShownList(const Json &list);
 
 // An array of objects as a table with one line each, under a line of labels. With no object, only
 // the sentence `none`.
-std::string Table(const Json &rows, const std::vector<Fact> &columns, std::string_view none);
+Drawing AsTable(std::vector<Fact> columns, std::string none);
 
 // One object as lines of label and value.
-std::string Sheet(const Json &object, const std::vector<Fact> &lines);
+Drawing AsSheet(std::vector<Fact> lines);
 
 // A formatted sentence as a line, made printable.
 template <class... Arguments>

@@ -9,11 +9,10 @@
 #include <optional>
 #include <utility>
 
+#include "kvrapi/kvrapi.hpp"
 #include "kvrapi/table_formats.h"
 #include "kvrapi/tqlink.h"
 #include "kvrapi/vexonet.h"
-
-#include "text.h"
 
 namespace kvrctl {
 namespace {
@@ -34,8 +33,9 @@ std::size_t LengthOf(const Character (&field)[Capacity]) {
 
 Names NamesOf(const DiscoveredSystem &system) {
   const KVR_WCHAR *wide = system.systemNameW;
-  const std::string wideName = Utf8Of(std::u16string(wide, wide + LengthOf(system.systemNameW)));
-  const std::string name = Utf8OfBytes({system.systemName, LengthOf(system.systemName)});
+  const std::string wideName =
+      kvrapi::Utf8Of(kvrapi::WideString(wide, wide + LengthOf(system.systemNameW)));
+  const std::string name = kvrapi::Utf8OfBytes({system.systemName, LengthOf(system.systemName)});
   return {name.empty() ? wideName : name, wideName};
 }
 
@@ -192,20 +192,16 @@ Json SlotOf(const Slots &slots, const Host *host) {
   return found == slots.end() ? Json() : Json(found->second);
 }
 
-SlotCount CountSlots(KVR_GROUP group) {
-  return {KVR_GetFreeIndexCount(group), KVR_GetUsedIndexCount(group)};
-}
-
-SlotCount CountSlotsBelow(const Library &library, const Group &group) {
+kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group) {
   const std::string doing = "Counting the slots under " + group.path;
   if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);
-  SlotCount count = CountSlots(group.handle);
+  const kvrapi::SlotCount count = group.group.Slots();
   if (count.free + count.used > 0) return count;
   if (SlotOf(ReadSlots(library.Hosts()), group.client).is_null()) {
     throw Failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
   }
   // The table can be read, though perhaps it could not at the time of the count.
-  return CountSlots(group.handle);
+  return group.group.Slots();
 }
 
 Json ReadLocalSlot() {

@@ -26,18 +26,8 @@ Slots ReadSlots(const std::vector<Host> &hosts);
 // The slot of a host among those read, or null; null for no host.
 Json SlotOf(const Slots &slots, const Host *host);
 
-// The slots from which a group under another one, or at the top level, would be made.
-struct SlotCount {
-  std::uint32_t free;
-  std::uint32_t used;
-};
-
-// The library's count for the group, or null for the top level; 0 and 0 also where the table that
-// tells could not be read.
-SlotCount CountSlots(KVR_GROUP group);
-
 // The count for a group. Throws Failure (5012, 5019) where it could not be read.
-SlotCount CountSlotsBelow(const Library &library, const Group &group);
+kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group);
 
 // The slot that this host holds; null where it holds none or its adapter does not answer.
 Json ReadLocalSlot();
