@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "fabric/platform_files.h"
@@ -12,8 +14,40 @@
 namespace fabric {
 namespace {
 
+void Complain(const std::exception &error) {
+  std::fprintf(stderr, "simulated network: %s\n", error.what());
+}
+
+// Throws std::runtime_error with what to do about it. The file is closed again: who reads it may
+// remove it.
+void WriteLine(const std::filesystem::path &file, const std::string &line,
+               std::ios::openmode mode) {
+  if (std::ofstream(file, std::ios::binary | mode) << line << '\n' << std::flush) return;
+  throw std::runtime_error(file.string() +
+                           " cannot be written; set KVR_OVERLAY to a file that can be");
+}
+
+Network::Witness TellIn(const std::filesystem::path &file) {
+  return [file](std::string_view function, const std::string &host) {
+    try {
+      WriteLine(file, std::string(function) + " " + host, std::ios::app);
+      return true;
+    } catch (const std::exception &error) {
+      Complain(error);
+      return false;
+    }
+  };
+}
+
 // Throws std::runtime_error with what to do about it when the environment leads to no network.
-std::shared_ptr<Network> OpenFabric() {
+std::shared_ptr<Network> OpenFabric(Library caller) {
+  Network::Witness witness;
+  const auto overlay = Environment("KVR_OVERLAY");
+  if (overlay && caller == Library::kTqlink) {
+    const auto file = std::filesystem::absolute(PathOf(*overlay));
+    WriteLine(file, "overlay", std::ios::trunc);
+    witness = TellIn(file);
+  }
   const auto folder = Environment("KVR_FABRIC"), host = Environment("KVR_HOST");
   if (!folder || !host) {
     throw std::runtime_error(
@@ -27,16 +61,19 @@ std::shared_ptr<Network> OpenFabric() {
     throw std::runtime_error("KVR_HOST is '" + *host + "', which is no host of " + *folder +
                              "/fabric.toml; set it to one that is described there");
   }
-  return std::make_shared<Network>(std::move(description), *host,
-                                   std::make_shared<FolderStore>(absolute));
+  std::shared_ptr<ImageStore> images = std::make_shared<FolderStore>(absolute);
+  if (overlay) images = std::make_shared<OverlayStore>(images);
+  auto network = std::make_shared<Network>(std::move(description), *host, images);
+  network->SetWitness(std::move(witness));
+  return network;
 }
 
-std::shared_ptr<Network> MakeFromEnvironment() {
+std::shared_ptr<Network> MakeFromEnvironment(Library caller) {
   std::shared_ptr<Network> network;
   try {
-    network = OpenFabric();
+    network = OpenFabric(caller);
   } catch (const std::exception &error) {
-    std::fprintf(stderr, "simulated network: %s\n", error.what());
+    Complain(error);
     network = std::make_shared<Network>(Description{}, "");
   }
   network->SetTrace(Environment("KVR_TRACE").value_or("0") != "0");
@@ -63,10 +100,10 @@ Holder &TheHolder() {
 
 }  // namespace
 
-std::shared_ptr<Network> CurrentNetwork() {
+std::shared_ptr<Network> CurrentNetwork(Library caller) {
   Holder &holder = TheHolder();
   const std::lock_guard guard(holder.mutex);
-  if (!holder.network) holder.network = MakeFromEnvironment();
+  if (!holder.network) holder.network = MakeFromEnvironment(caller);
   return holder.network;
 }
 

@@ -2,9 +2,12 @@
 //
 // Unless a test has put one in its place, it is made at the first call from the environment:
 // KVR_FABRIC names the fabric's folder, KVR_HOST the local host, and KVR_TRACE (set, and not "0")
-// prints every outside call on standard error. When these do not lead to a usable description, the
-// reason is printed once on standard error, and the process is a host that has no adapter and
-// discovers nothing.
+// prints every outside call on standard error. KVR_OVERLAY names a file: what is written to tables
+// stays in memory then, no file of the folder is made or changed, and that file tells of it. Tqlink
+// puts the line "overlay" in place of its content when it opens the network, then adds a line
+// "FUNCTION HOST" for every call that changed a table; a call that it cannot tell of fails. When
+// these do not lead to a usable description, or that file cannot be written, the reason is printed
+// once on standard error, and the process is a host that has no adapter and discovers nothing.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +17,12 @@
 
 namespace fabric {
 
+// Where a call comes from. Both libraries may be in one process, each with a network of its own;
+// only Tqlink writes tables.
+enum class Library { kTqlink, kVexonet };
+
 // Never null.
-std::shared_ptr<Network> CurrentNetwork();
+std::shared_ptr<Network> CurrentNetwork(Library caller);
 
 // Puts a network in place of the current one; null: the next call makes one from the environment.
 // Waits for the end of a discovery callback that the network given up is in, unless called from it.
@@ -27,9 +34,9 @@ void AbandonCurrentNetwork();
 
 // What the call answers for the current network, or the failure when it throws: the caller is C.
 template <typename Call>
-std::uint32_t Forward(std::uint32_t failure, Call call) noexcept {
+std::uint32_t ForwardFrom(Library caller, std::uint32_t failure, Call call) noexcept {
   try {
-    return call(*CurrentNetwork());
+    return call(*CurrentNetwork(caller));
   } catch (...) {
     return failure;
   }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <system_error>
+#include <utility>
 
 #include "fabric/platform_files.h"
 
@@ -81,6 +82,39 @@ bool FolderStore::Update(const std::string &host, const Change &change) {
   if (!image) return false;
   change(*image);
   return !ReplaceContent(File(host, ".satable"), image.get(), sizeof *image);
+}
+
+OverlayStore::OverlayStore(std::shared_ptr<ImageStore> below) : below_(std::move(below)) {}
+
+// A host without an image below is left there: it may get one.
+void OverlayStore::Lift(const std::string &host) {
+  if (lifted_.contains(host)) return;
+  const auto copy = [&](const SaTable &image) { changed_.Write(host, image); };
+  if (below_->Read(host, copy)) lifted_.insert(host);
+}
+
+bool OverlayStore::Read(const std::string &host, const Visitor &visit) {
+  const std::lock_guard guard(mutex_);
+  return lifted_.contains(host) ? changed_.Read(host, visit) : below_->Read(host, visit);
+}
+
+bool OverlayStore::Write(const std::string &host, const SaTable &image) {
+  const std::lock_guard guard(mutex_);
+  changed_.Write(host, image);
+  lifted_.insert(host);
+  return true;
+}
+
+bool OverlayStore::Remove(const std::string &host) {
+  const std::lock_guard guard(mutex_);
+  Lift(host);
+  return changed_.Remove(host);
+}
+
+bool OverlayStore::Update(const std::string &host, const Change &change) {
+  const std::lock_guard guard(mutex_);
+  Lift(host);
+  return changed_.Update(host, change);
 }
 
 }  // namespace fabric

@@ -1,5 +1,5 @@
 // Where the security tables of a simulated network are kept: one whole SaTable image for each host,
-// shared by all its adapters, in a folder or in memory.
+// shared by all its adapters, in a folder, in memory, or in memory over another store.
 //
 // Every store is safe to use from several threads; a folder store also from several processes. A
 // host name is taken as checked (description.h): it is fit to be part of a file name.
@@ -11,6 +11,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "kvrapi/table_formats.h"
 
@@ -69,6 +70,27 @@ class FolderStore final : public ImageStore {
   [[nodiscard]] std::filesystem::path File(const std::string &host, const char *suffix) const;
 
   std::filesystem::path tables_;
+};
+
+// Shows the images of another store, which is only ever read, and keeps every change of them in
+// memory. A host that was changed here is seen as this store left it, whatever becomes of it below.
+// What cannot be read below is no image here: it can be replaced, but not removed.
+class OverlayStore final : public ImageStore {
+ public:
+  explicit OverlayStore(std::shared_ptr<ImageStore> below);
+
+  bool Read(const std::string &host, const Visitor &visit) override;
+  bool Write(const std::string &host, const SaTable &image) override;
+  bool Remove(const std::string &host) override;
+  bool Update(const std::string &host, const Change &change) override;
+
+ private:
+  void Lift(const std::string &host);
+
+  std::mutex mutex_;
+  std::shared_ptr<ImageStore> below_;
+  MemoryStore changed_;
+  std::unordered_set<std::string> lifted_;  // hosts whose image, or lack of one, is in changed_
 };
 
 }  // namespace fabric

@@ -122,6 +122,13 @@ std::uint32_t Network::AnswerAdapter(std::string_view function, const AdapterAdd
   });
 }
 
+std::uint32_t Network::AnswerWrite(std::string_view function, const AdapterAddress &address,
+                                   std::span<const std::uint8_t> payload, const HostAct &act) {
+  return AnswerAdapter(function, address, payload, [&](const std::string &host) {
+    return act(host) && (!witness_ || witness_(function, host));
+  });
+}
+
 bool Network::IsReachable(const Target &target, const Id8 &credential) const {
   const Host &host = description_.hosts[target.host];
   const Adapter &adapter = host.adapters[target.ordinal];
@@ -208,7 +215,7 @@ std::uint32_t Network::Write(View view, const AdapterAddress &address, const voi
   const ViewTraits &traits = TraitsOf(view);
   const std::span payload(static_cast<const std::uint8_t *>(image),
                           image != nullptr ? traits.bytes : 0);
-  return AnswerAdapter(traits.writeFunction, address, payload, [&](const std::string &host) {
+  return AnswerWrite(traits.writeFunction, address, payload, [&](const std::string &host) {
     if (payload.empty()) return false;
     if (view != View::kWhole) {
       return images_->Update(host, [&](SaTable &table) { CopyIn(view, table, payload); });
@@ -220,8 +227,8 @@ std::uint32_t Network::Write(View view, const AdapterAddress &address, const voi
 }
 
 std::uint32_t Network::RemoveTable(const AdapterAddress &address) {
-  return AnswerAdapter("TQ_RemoveSaTable", address, {},
-                       [&](const std::string &host) { return images_->Remove(host); });
+  return AnswerWrite("TQ_RemoveSaTable", address, {},
+                     [&](const std::string &host) { return images_->Remove(host); });
 }
 
 std::uint32_t Network::Synchronize(const AdapterAddress &address) {

@@ -108,6 +108,11 @@ class Network {
   // Announces no system any more. Waits for the end of a callback under way, unless called from it.
   void StopAnnouncing() { timer_.Stop(); }
 
+  // Is called with the function and the host of every TQ_ call that has changed a table, before the
+  // call returns; none at first. On false the call fails, although the table is changed.
+  using Witness = std::function<bool(std::string_view function, const std::string &host)>;
+  void SetWitness(Witness witness);
+
   // Hosts. A name or ordinal that the network does not have: std::out_of_range, except that any
   // name may become the local host. The reader of Hosts must not let it overlap with a change.
   [[nodiscard]] const std::vector<Host> &Hosts() const { return description_.hosts; }
@@ -169,6 +174,9 @@ class Network {
   std::uint32_t Answer(Call call, std::uint32_t failure, const Act &act);
   std::uint32_t AnswerAdapter(std::string_view function, const AdapterAddress &address,
                               std::span<const std::uint8_t> payload, const HostAct &act);
+  // As AnswerAdapter, for what changes a table.
+  std::uint32_t AnswerWrite(std::string_view function, const AdapterAddress &address,
+                            std::span<const std::uint8_t> payload, const HostAct &act);
   void Record(const Call &call, std::uint32_t result, std::chrono::steady_clock::time_point begin);
   bool IsFaulty(const Call &call);
   [[nodiscard]] bool IsReachable(const Target &target, const Id8 &credential) const;
@@ -188,6 +196,7 @@ class Network {
   std::unordered_map<std::uint64_t, Target> targets_;     // by adapter identity
   std::optional<std::uint32_t> localHost_;                // none: unknown
 
+  Witness witness_;
   std::vector<ActiveFault> faults_;
   bool logging_ = false;
   bool tracing_ = false;

@@ -35,6 +35,11 @@ std::uint32_t Network::Find(const std::string &host) const {
   return found->second;
 }
 
+void Network::SetWitness(Witness witness) {
+  const std::lock_guard guard(mutex_);
+  witness_ = std::move(witness);
+}
+
 void Network::SetLocalHost(std::string_view host) {
   const std::lock_guard guard(mutex_);
   const auto found = hosts_.find(std::string(host));

@@ -8,11 +8,15 @@
 namespace {
 
 using fabric::AdapterAddress;
-using fabric::Forward;
 using fabric::Network;
 using fabric::View;
 
 constexpr std::uint32_t kFailed = 1;
+
+template <typename Call>
+std::uint32_t Forward(std::uint32_t failure, Call call) noexcept {
+  return fabric::ForwardFrom(fabric::Library::kTqlink, failure, call);
+}
 
 fabric::Id8 ToId(std::uint32_t word0, std::uint32_t word1) {
   fabric::Id8 id{};

@@ -5,10 +5,14 @@
 
 namespace {
 
-using fabric::Forward;
 using fabric::Network;
 
 constexpr std::uint32_t kFailed = 1;
+
+template <typename Call>
+std::uint32_t Forward(std::uint32_t failure, Call call) noexcept {
+  return fabric::ForwardFrom(fabric::Library::kVexonet, failure, call);
+}
 
 }  // namespace
 
