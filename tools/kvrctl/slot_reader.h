@@ -1,13 +1,14 @@
-// What the library's interface does not give, read from the tables: the slots that hosts hold, and
-// whether this host's table took a change.
+// What the library's interface does not give, read from the tables: the slots that hosts hold, the
+// names stored beside them, and whether this host's table took a change.
 //
-// The adapters of the other hosts are learned by a discovery of this room's own, so it must run
-// after the library's discovery is complete and never beside it. It reads; it never writes.
+// It may be asked when the library's discovery is complete, and never beside it. It reads; it never
+// writes.
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "failure.h"
@@ -16,15 +17,24 @@
 
 namespace kvrctl {
 
-using Slots = std::map<const Host *, std::uint32_t>;
+struct Holding {
+  std::uint32_t slot;         // 0 to 245
+  kvrapi::SlotCount reserve;  // the slots set aside for groups below the host's own
+};
 
-// The slot of every host that holds one, 0 to 245. A host is left out where no adapter of it
-// answers, or where another host has the same names so that its table cannot be told from the
-// other's.
+using Slots = std::map<const Host *, Holding>;
+
+// What every host holds that holds a slot. A host is left out where no adapter of it answers, or
+// where another host has the same names so that its table cannot be told from the other's.
 Slots ReadSlots(const std::vector<Host> &hosts);
 
 // The slot of a host among those read, or null; null for no host.
 Json SlotOf(const Slots &slots, const Host *host);
+
+// The name of the host's group as its header stores it, in UTF-8, empty where it holds none: the
+// UTF-16 form, or the 8-bit one where that is empty. None where no adapter of the host answers, or
+// where another host has the same names.
+std::optional<std::string> ReadGroupName(const Host &host);
 
 // The count for a group. Throws Failure (5012, 5019) where it could not be read.
 kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group);
