@@ -74,6 +74,7 @@ void AddAcgCommands(CLI::App &app, Commands &commands);
 void AddGroupCommands(CLI::App &app, Commands &commands);
 void AddBackupCommands(CLI::App &app, Commands &commands);
 void AddSuccessionCommands(CLI::App &app, Commands &commands);
+void AddPermissionCommands(CLI::App &app, Commands &commands);
 void AddSwitchAccessCommand(CLI::App &app, Commands &commands);
 void AddKeyCommands(CLI::App &app, Commands &commands);
 void AddBatchCommand(CLI::App &app, Commands &commands);

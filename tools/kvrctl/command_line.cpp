@@ -44,6 +44,7 @@ CommandLine::CommandLine(Place place)
   AddGroupCommands(app, commands);
   AddBackupCommands(app, commands);
   AddSuccessionCommands(app, commands);
+  AddPermissionCommands(app, commands);
   AddSwitchAccessCommand(app, commands);
   AddKeyCommands(app, commands);
   AddBatchCommand(app, commands);

@@ -1,12 +1,11 @@
 #include "group_changes.h"
 
-#include <optional>
-
 #include <fmt/format.h>
 
 #include "hints.h"
 #include "host_changes.h"
 #include "library.h"
+#include "slot_reader.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -16,19 +15,6 @@ namespace {
 std::string PathBeside(const Library &library, const Group &group, const std::string &name) {
   const Group *parent = ParentOf(library, group);
   return JoinPath(parent == nullptr ? "" : parent->path, name);
-}
-
-// The name that a client's table holds, or none where the client is no more found. The library does
-// not say whether a name was stored, so the hosts are discovered anew: every handle ends.
-std::optional<std::string> StoredName(const Host &client) {
-  Library().Session().Discover();
-  const Library again;
-  std::optional<std::string> name;
-  ForEachGroup(again.Groups(), [&](const Group &group) {
-    if (group.client == nullptr || group.client->name != client.name) return;
-    if (group.client->wideName == client.wideName) name = group.name;
-  });
-  return name;
 }
 
 // Nobody is seen to serve a parent that stands for a missing client, so no host fits there.
@@ -61,7 +47,7 @@ Outcome RenameGroup(const std::string &path, const std::string &name) {
   const Group &group = library.GroupAt(SplitPath(path));
   const std::string doing = "Renaming group " + group.path;
   Require(doing, [&] { group.group.Rename(name); });
-  if (StoredName(*group.client) != name) {
+  if (!StoresName(*group.client, name)) {
     Failure failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
     failure.failedHosts = {{group.client->name, KVR_ERR_REMOTE_ACCESS_FAILED}};
     AddRetry(failure, Naming({"kvrctl", "group", "rename"}, {path, name}));
@@ -87,7 +73,7 @@ Outcome RemoveServers(const std::string &path, const std::vector<std::string> &h
 }
 
 void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name) {
-  if (StoredName(client) == name) return;
+  if (StoresName(client, name)) return;
   outcome.notes.push_back(fmt::format(
       "The group's name could not be stored in its client's table. To set it: `{}`.",
       CommandText(Naming({"kvrctl", "group", "rename"}, {ClientPath(client.name), name}))));

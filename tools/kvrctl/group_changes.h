@@ -24,8 +24,8 @@ Outcome SetReserve(const std::string &path, std::uint32_t slots);
 // Hands the group, with all that hangs below it, to another client.
 Outcome SetClient(const std::string &path, const std::string &host);
 
-// Discovers the hosts anew, by which every handle ends, and notes where the client's table does not
-// hold this name for its group: the library does not say whether a name was stored.
+// Notes where the client's table does not hold this name for its group: the library does not say
+// whether a name was stored.
 void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name);
 
 // The note on a reserve that became smaller than asked.

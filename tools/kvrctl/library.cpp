@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "adapters.h"
 #include "dry_run.h"
 #include "fabric/platform_files.h"
 #include "failure.h"
@@ -75,6 +76,7 @@ Library::Library() : session_(OpenSession()) {
   if (!session_.HasDiscovered()) {
     const Progress progress("Discovering the hosts");
     session_.Discover();
+    ForgetSystems();
   }
   outsidersWithheld_ = session_.IsSecured() && !session_.IsMsc();
   hosts_ = ReadHosts(session_.Members());

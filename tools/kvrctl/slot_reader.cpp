@@ -58,6 +58,16 @@ std::optional<std::string> ReadGroupName(const Host &host) {
   return names.wide.empty() ? names.ascii : names.wide;
 }
 
+bool StoresName(const Host &host, const std::string &name) {
+  if (SystemNamed(host.name, host.wideName) == nullptr) return true;
+  return ReadGroupName(host) == name;
+}
+
+bool CanBeRead(const Host &host) {
+  const System *system = SystemNamed(host.name, host.wideName);
+  return system == nullptr || ReadHeader(*system) != nullptr;
+}
+
 kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group) {
   const std::string doing = "Counting the slots under " + group.path;
   if (group.offline) throw Failure(doing, KVR_ERR_OFFLINE_GROUP);

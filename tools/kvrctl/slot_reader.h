@@ -36,6 +36,14 @@ Json SlotOf(const Slots &slots, const Host *host);
 // where another host has the same names.
 std::optional<std::string> ReadGroupName(const Host &host);
 
+// Whether the host's group is stored under this name; true also of a host that cannot be asked
+// because another has the same names.
+bool StoresName(const Host &host, const std::string &name);
+
+// Whether an adapter of the host lets its table be read; true also where that cannot be asked, as
+// above.
+bool CanBeRead(const Host &host);
+
 // The count for a group. Throws Failure (5012, 5019) where it could not be read.
 kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group);
 
