@@ -91,7 +91,7 @@ class Error : public std::exception {
   [[nodiscard]] const char *Meaning() const noexcept { return meaning_.c_str(); }  // a clause
   [[nodiscard]] bool IsStale() const noexcept { return stale_; }  // 5007: a stale value was used
 
-  // Those that a change of many hosts could not write (5008).
+  // Those that a change of many hosts could not write (5008; of a group's deletion, any code).
   [[nodiscard]] const std::vector<FailedHost> &FailedHosts() const noexcept { return failed_; }
 
   // A whole sentence: what was asked, the meaning, the code and its name.
@@ -99,6 +99,9 @@ class Error : public std::exception {
 
   // The error of using a value of this kind, as "system", after its time.
   static Error Stale(const std::string &kind);
+
+  // The error of a group name that is no text (5015).
+  static Error NotUtf8(const std::string &doing);
 
  private:
   Error(const std::string &doing, std::uint32_t code, std::string meaning, bool stale,
@@ -199,7 +202,8 @@ class Session {
   void Discover();
 
   // As above without waiting: done is called once, on this thread or another, when the picture is
-  // complete. It must not throw and not discover; until it is called, nothing else may be.
+  // complete; not at all where another discovery has begun by then. It must not throw and not
+  // discover. Until it has returned, nothing else may be called but another discovery.
   void Discover(std::function<void()> done);
 
   // True after a discovery, until a hand-over has made another one necessary.

@@ -14,12 +14,14 @@ struct State {
   std::unordered_map<KVR_GROUP, std::uint64_t> serials;  // of the groups given out and alive
   std::uint64_t lastSerial = 0;
 
-  std::mutex mutex;            // guards done, which another thread may call
-  std::function<void()> done;  // of the discovery under way
+  std::mutex mutex;              // held while a discovery begins, and while its end is announced
+  std::uintptr_t discovery = 0;  // the number of the one begun last
+  std::function<void()> done;    // of that one
 };
 
+// Never destroyed: a discovery may end while the process does.
 inline State &TheState() {
-  static State state;
+  static State &state = *new State;
   return state;
 }
 
@@ -28,18 +30,6 @@ inline void VoidHandles() {
   ++state.generation;
   state.discovered = false;
   state.serials.clear();
-}
-
-// For the discovery's end, which C calls.
-inline void OnDiscovered(std::uintptr_t) noexcept {
-  State &state = TheState();
-  std::function<void()> done;
-  {
-    const std::lock_guard lock(state.mutex);
-    done.swap(state.done);
-  }
-  state.discovered = true;
-  if (done) done();
 }
 
 inline void Require(const char *doing, std::uint32_t code) {
@@ -60,7 +50,7 @@ std::pair<std::basic_string<Character>, std::uint32_t> ReadName(
 // A name for the library, which takes it for ended at a zero. Throws Error (5015).
 inline WideString WideNameOf(const char *doing, std::string_view name) {
   const auto units = Utf16Of(name);
-  if (!units || name.find('\0') != std::string_view::npos) throw Error(doing, KVR_ERR_INVALID_NAME);
+  if (!units || name.find('\0') != std::string_view::npos) throw Error::NotUtf8(doing);
   return *units;
 }
 
@@ -129,8 +119,9 @@ struct Lists {
     std::vector<System> systems;
     std::uint32_t code = KVR_ERR_MORE_SYSTEMS;
     while (code == KVR_ERR_MORE_SYSTEMS) {
-      std::array<KVR_SYSTEM, 64> handles{};
-      auto count = static_cast<std::uint32_t>(handles.size());
+      constexpr std::uint32_t kRoom = 64;
+      std::array<KVR_SYSTEM, kRoom> handles{};
+      std::uint32_t count = kRoom;
       code = KVR_GetLastOpFailedServers(handles.data(), &count);
       for (std::uint32_t i = 0; i < count; ++i)
         systems.push_back(System(handles[i]));
@@ -139,14 +130,13 @@ struct Lists {
     return systems;
   }
 
-  // Throws Error with the hosts that failed in a change that the library makes to many.
+  // Throws Error with the hosts that failed in a change that the library makes to many. A group's
+  // deletion marks hosts also where it goes on to end in another code than 5008.
   static void RequireAll(const char *doing, std::uint32_t code) {
     if (code == KVR_OK) return;
     std::vector<FailedHost> failed;
-    if (code == KVR_ERR_SERVERS_FAILED) {
-      for (const System &system : Failed())
-        failed.push_back({system, system.Name()});
-    }
+    for (const System &system : Failed())
+      failed.push_back({system, system.Name()});
     throw Error(doing, code, std::move(failed));
   }
 
@@ -176,13 +166,18 @@ inline Error::Error(const std::string &doing, std::uint32_t code, std::string me
     : code_(code), meaning_(std::move(meaning)), stale_(stale), failed_(std::move(failedHosts)) {
   what_ = doing + ": " + meaning_ + " (" + std::to_string(code_) + " " + TextOf(code_).name + ")";
   for (std::size_t i = 0; i < failed_.size(); ++i)
-    what_ += (i == 0 ? ": " : ", ") + failed_[i].name;
+    what_ += (i == 0 ? "; not written: " : ", ") + failed_[i].name;
 }
 
 inline Error Error::Stale(const std::string &kind) {
-  return Error("using a " + kind, KVR_ERR_INVALID_HANDLE,
-               "the " + kind + " is from before a discovery, a hand-over or its deletion", true,
-               {});
+  return Error(
+      "using a " + kind, KVR_ERR_INVALID_HANDLE,
+      "the " + kind + " is from before a discovery, a hand-over or its deletion; list it anew",
+      true, {});
+}
+
+inline Error Error::NotUtf8(const std::string &doing) {
+  return Error(doing, KVR_ERR_INVALID_NAME, "a group name is UTF-8 without a zero", false, {});
 }
 
 // Systems
@@ -340,158 +335,8 @@ inline void Group::SetClient(const System &system) const {
                   KVR_AssignNewClient(Handle(), system.Handle()));
 }
 
-// Sessions
-
-inline Session::Session(DeferDiscovery) {
-  const std::uint32_t code = KVR_Initialize();
-  if (code != KVR_ERR_NOT_SECURED) detail::Require("initializing the library", code);
-}
-
-inline Session::Session() : Session(DeferDiscovery{}) {
-  Discover();
-}
-
-inline void Session::Discover() {
-  detail::VoidHandles();
-  {
-    const std::lock_guard lock(detail::TheState().mutex);
-    detail::TheState().done = nullptr;
-  }
-  detail::Require("discovering the hosts", KVR_DiscoverServers(nullptr, 0));
-  detail::TheState().discovered = true;
-}
-
-inline void Session::Discover(std::function<void()> done) {
-  detail::VoidHandles();
-  {
-    const std::lock_guard lock(detail::TheState().mutex);
-    detail::TheState().done = std::move(done);
-  }
-  detail::Require("discovering the hosts", KVR_DiscoverServers(detail::OnDiscovered, 0));
-}
-
-inline bool Session::HasDiscovered() const noexcept {
-  return detail::TheState().discovered;
-}
-
-inline bool Session::IsSecured() const {
-  return KVR_SecurityState() == KVR_OK;
-}
-
-inline bool Session::HoldsSlot() const {
-  return KVR_IsSecureClient() != 0;
-}
-
-inline bool Session::IsMsc() const {
-  return KVR_IsMSC() != 0;
-}
-
-inline bool Session::IsBackupMsc() const {
-  return KVR_IsBackupMSC() != 0;
-}
-
-inline std::int32_t Session::CreateConfiguration() {
-  std::int32_t slot = -1;
-  detail::Require("creating a configuration", KVR_CreateKVR(&slot));
-  return slot;
-}
-
-inline void Session::DeleteConfiguration() {
-  const std::uint32_t code = KVR_DeleteKVR();
-  detail::ForgetDeadGroups();
-  Lists::RequireAll("deleting the configuration", code);
-}
-
-inline void Session::RenewKeys() {
-  Lists::RequireAll("renewing the keys", KVR_GenerateNewKeys());
-}
-
-inline void Session::Synchronize() {
-  detail::Require("synchronizing", KVR_SyncDiscovery());
-}
-
-inline bool Session::IsSwitchAccessOn() const {
-  return KVR_IsSwitchAccessEnabled() != 0;
-}
-
-// The library writes only a value that differs from the stored one; the stored one is still
-// refused where this host may not switch.
-inline void Session::SwitchAccess(bool on) {
-  const std::uint32_t stored = KVR_IsSwitchAccessEnabled();
-  const std::uint32_t wanted = on ? 1 : 0;
-  Lists::RequireAll("switching switch access",
-                    KVR_EnableSwitchAccess((stored != 0) == on ? stored : wanted));
-}
-
-// Any number but 0 is on, but off is 0 alone, so that it has to be on in between.
-inline void Session::RewriteSwitchAccess(bool on) {
-  constexpr char kDoing[] = "switching switch access";
-  const std::uint32_t stored = KVR_IsSwitchAccessEnabled();
-  std::uint32_t code = KVR_OK;
-  if (on) {
-    code = KVR_EnableSwitchAccess(stored == UINT32_MAX ? 1 : stored + 1);
-  } else {
-    if (stored == 0) code = KVR_EnableSwitchAccess(1);
-    if (code == KVR_OK || code == KVR_ERR_SERVERS_FAILED) code = KVR_EnableSwitchAccess(0);
-  }
-  Lists::RequireAll(kDoing, code);
-}
-
-inline std::vector<System> Session::Members() const {
-  return Lists::Systems("listing the ACG", KVR_GetAcgServerCount(), KVR_GetAcgServers);
-}
-
-inline std::vector<System> Session::Outsiders() const {
-  return Lists::Systems("listing the hosts outside the ACG", KVR_GetUnsecureServerCount(),
-                        KVR_GetUnsecureServers);
-}
-
-inline std::vector<System> Session::BackupMscs() const {
-  return Lists::Systems("listing the backup MSCs", KVR_GetBackupMSCCount(), KVR_GetBackupMSCs);
-}
-
-inline void Session::AddToAcg(const System &system) {
-  detail::Require("adding a host to the ACG", KVR_AddServerToACG(system.Handle()));
-}
-
-inline void Session::RemoveFromAcg(const System &system) {
-  detail::Require("removing a host from the ACG", KVR_RemoveServerFromACG(system.Handle()));
-}
-
-inline void Session::AddBackupMsc(const System &system) {
-  detail::Require("making a backup MSC", KVR_AddBackupMSC(system.Handle()));
-}
-
-inline void Session::RemoveBackupMsc(const System &system) {
-  detail::Require("ending the role of a backup MSC", KVR_RemoveBackupMSC(system.Handle()));
-}
-
-inline std::vector<System> Session::TakeFailedSystems() {
-  return Lists::Failed();
-}
-
-inline void Session::HandOver(const System &backup) {
-  detail::Require("handing the MSC's role over", KVR_AssignNewMSC(backup.Handle()));
-  detail::VoidHandles();
-}
-
-inline void Session::TakeOver() {
-  detail::Require("taking the MSC's role over", KVR_AssignNewMSC(nullptr));
-}
-
-inline std::vector<Group> Session::Groups() const {
-  return Lists::Groups(nullptr);
-}
-
-inline SlotCount Session::Slots() const {
-  return {KVR_GetFreeIndexCount(nullptr), KVR_GetUsedIndexCount(nullptr)};
-}
-
-inline CreatedGroup Session::CreateGroup(std::string_view name, const System &client,
-                                         std::uint32_t reserve) {
-  return Lists::Create(nullptr, name, client, reserve);
-}
-
 }  // namespace kvrapi
+
+#include "kvrapi/session_inline.hpp"
 
 #endif
