@@ -1,4 +1,6 @@
 // Several processes on one fabric: readers beside writers, and a writer that is killed.
+#include <fstream>
+
 #include "fabric_folder.h"
 
 namespace {
@@ -51,6 +53,27 @@ TEST_F(Together, AKilledWriterLeavesWholeTablesAndCanBeRepeated) {
   const Json alreadyIn = Ask("h1", Adding(2, kHosts), 4)["error"]["failed_hosts"];
   EXPECT_EQ(alreadyIn.size(), images - 1);
   EXPECT_EQ(WholeImages(), kHosts);
+}
+
+// The run ahead is shorter than the 120 hosts' share of the trace.
+TEST_F(Together, AKilledKeyRenewalIsFoundByTheDoctorAndRepaired) {
+  // No key has a zero byte, so the new ones differ from it also within the second of the creation.
+  std::fstream(folder.Path() / "tables" / "h1.satable",
+               std::ios::in | std::ios::out | std::ios::binary)
+      .seekp(offsetof(SaTable, entries) + offsetof(SaEntry, key.keyMaterial))
+      .put('\0');
+  Describe(120);
+  ASSERT_TRUE(RunAll({Adding(2, 120), "doctor -x"}));
+  Process writer(Words("h1", "renew-keys --trace"));
+  ASSERT_TRUE(writer.ReadErrorsUntil("TQ_WriteKeyTable host h10 "));
+  writer.Kill();
+  EXPECT_EQ(writer.Finish().status, Process::kKilled);
+
+  const Json findings = Ask("h1", "doctor -x", 1)["result"]["findings"];
+  ASSERT_EQ(findings.size(), 1u) << findings;
+  EXPECT_EQ(findings[0]["code"], "KEYS_DIFFER");
+  EXPECT_NE(findings[0]["next"].dump().find("`kvrctl renew-keys`"), std::string::npos);
+  ASSERT_TRUE(RunAll({"renew-keys", "doctor -x"}));
 }
 
 }  // namespace
