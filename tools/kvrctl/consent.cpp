@@ -7,6 +7,7 @@
 
 #include "failure.h"
 #include "platform.h"
+#include "progress.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -35,6 +36,7 @@ void Consent::Require(const std::string &sentence, const std::string &word) cons
         fmt::format("{} Nothing was changed, for there is no terminal to confirm it on.", sentence),
         "Repeat the command with --yes, or with --dry-run to see what it would write.");
   }
+  Progress::Clear();
   fmt::print(stderr, "{}\nType '{}' to go on: ", Printable(sentence), word);
   std::fflush(stderr);
   if (ReadAnswer() == word) return;

@@ -73,8 +73,8 @@ const Group &OnlyGroup(const std::vector<const Group *> &found, const GroupPath 
 
 Library::Library() : session_(OpenSession()) {
   if (!session_.HasDiscovered()) {
-    const Progress progress("Discovering the hosts");
-    session_.Discover();
+    Progress progress("Discovering the hosts");
+    progress.Await([this](std::function<void()> done) { session_.Discover(std::move(done)); });
   }
   outsidersWithheld_ = session_.IsSecured() && !session_.IsMsc();
   hosts_ = ReadHosts(session_.Members());
