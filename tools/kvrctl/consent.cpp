@@ -17,6 +17,7 @@ namespace {
 std::string ReadAnswer() {
   std::string line;
   std::getline(std::cin, line);
+  if (std::cin.eof()) std::fputs("\n", stderr);  // no key has ended the line of the question
   const std::size_t first = line.find_first_not_of(" \t\r");
   if (first == std::string::npos) return "";
   return line.substr(first, line.find_last_not_of(" \t\r") - first + 1);

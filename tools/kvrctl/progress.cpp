@@ -20,7 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 // A run that is over by then would only flicker.
-const Clock::time_point g_firstShown = Clock::now() + std::chrono::milliseconds(200);
+const Clock::time_point kFirstShown = Clock::now() + std::chrono::milliseconds(200);
 
 bool g_isTaken = false;     // by a progress that may show its line
 std::size_t g_columns = 0;  // that the line takes which stands on the terminal
@@ -34,7 +34,7 @@ bool MayShow() {
 // Blanks, not an escape sequence, remove what stood there: not every console takes those. The last
 // column stays free, for a cursor behind it would stand on the next line.
 void Draw(const std::string &line) {
-  if (Clock::now() < g_firstShown) return;
+  if (Clock::now() < kFirstShown) return;
   const std::string_view shown = CutTo(line, ErrorScreen().width - 1);
   const std::size_t columns = WidthOf(shown);
   const std::string rest(g_columns > columns ? g_columns - columns : 0, ' ');
@@ -69,7 +69,7 @@ void Progress::Await(const std::function<void(std::function<void()> done)> &star
   const auto ended = std::make_shared<std::promise<void>>();
   start([ended] { ended->set_value(); });
   const std::future<void> end = ended->get_future();
-  if (shown_ && end.wait_until(g_firstShown) == std::future_status::timeout) Draw(doing_ + " ...");
+  if (shown_ && end.wait_until(kFirstShown) == std::future_status::timeout) Draw(doing_ + " ...");
   end.wait();
 }
 
