@@ -109,7 +109,8 @@ std::string DrawSteps(const std::vector<Drawing> &drawings, const Json &result,
     const Json &line = lines[i];
     text += Line("{}: {}", Shown(line.at("line")), Shown(line.at("text")));
     std::string answer;
-    if (line.contains("result") && drawings[i]) answer = drawings[i](line.at("result"), screen);
+    if (line.contains("result") && drawings[i])
+      answer = drawings[i](line.at("result"), Inset(screen));
     for (const Json &note : line.value("notes", Json::array()))
       answer += Line("{}", Shown(note));
     if (line.contains("error")) answer += Line("{}", Shown(line.at("error").at("message")));

@@ -39,7 +39,8 @@ Outcome Destroy(const Consent &consent) {
   RequireConfiguration(library, kDoing);
   if (!library.Session().IsMsc()) throw Failure(kDoing, KVR_ERR_NOT_MSC);
   RequireConsent(library, consent);
-  const AcgResults results = ChangeAcg(library, [&] { library.Session().DeleteConfiguration(); });
+  const AcgResults results =
+      ChangeAcg(kDoing, library, [&] { library.Session().DeleteConfiguration(); });
   const std::uint32_t code = results.code;
   if (code != KVR_OK && code != KVR_ERR_SERVERS_FAILED && code != KVR_ERR_LOCAL_REMOVE_FAILED) {
     throw Failure(kDoing, code);

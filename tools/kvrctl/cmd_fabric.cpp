@@ -57,7 +57,7 @@ Outcome ShowFabric() {
   }
   return {rows, AsTable({{"name", "HOST"},
                          {"wide_name", "UTF-16 NAME"},
-                         {"up", "UP"},
+                         {"up", "UP", WarningIfFalse},
                          {"excluded", "EXCLUDED"},
                          {"adapters", "ADAPTERS"},
                          {"adapters_up", "OF THEM UP"},

@@ -25,8 +25,7 @@ Outcome RenewKeys() {
   const std::vector<std::string> retry = {"kvrctl", "renew-keys"};
   const Library library;
   RequireConfiguration(library, kDoing);
-  const Progress progress(kDoing);
-  const AcgResults results = ChangeAcg(library, [&] { library.Session().RenewKeys(); });
+  const AcgResults results = ChangeAcg(kDoing, library, [&] { library.Session().RenewKeys(); });
   if (results.code != KVR_OK && results.code != KVR_ERR_SERVERS_FAILED) {
     throw Failure(kDoing, results.code);
   }
@@ -49,8 +48,9 @@ Outcome RenewKeys() {
 
 Outcome Sync() {
   const Library library;
-  const Progress progress("Synchronizing");
-  Require("Synchronizing", [&] { library.Session().Synchronize(); });
+  Progress("Synchronizing").During([&] {
+    Require("Synchronizing", [&] { library.Session().Synchronize(); });
+  });
   Outcome outcome = {{{"hosts", library.Hosts().size()}},
                      [](const Json &result, const Screen &) {
                        return Line(

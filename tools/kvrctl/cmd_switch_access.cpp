@@ -7,7 +7,6 @@
 #include "command.h"
 #include "host_changes.h"
 #include "library.h"
-#include "progress.h"
 #include "slot_reader.h"
 #include "text.h"
 
@@ -49,8 +48,7 @@ Outcome SwitchAccess(const SwitchRequest &request) {
   // The stored value changes nothing, and tells whether this host may.
   Require(doing, [&] { session.SwitchAccess(stored); });
   if (stored == on && !request.again) return NothingWritten(request.state);
-  const Progress progress(doing);
-  const AcgResults results = ChangeAcg(library, [&] { session.RewriteSwitchAccess(on); });
+  const AcgResults results = ChangeAcg(doing, library, [&] { session.RewriteSwitchAccess(on); });
   if (results.code != KVR_OK && results.code != KVR_ERR_SERVERS_FAILED) {
     throw Failure(doing, results.code);
   }

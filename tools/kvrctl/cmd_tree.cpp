@@ -1,10 +1,20 @@
 // `kvrctl tree`: the groups as they hang below one another.
+#include <fmt/format.h>
+
+#include "columns.h"
 #include "command.h"
 #include "library.h"
 #include "slot_reader.h"
 
 namespace kvrctl {
 namespace {
+
+Json ReserveOf(const Slots &slots, const Group &group) {
+  const auto found = slots.find(group.client);
+  if (found == slots.end()) return {};
+  const kvrapi::SlotCount &reserve = found->second.reserve;
+  return {{"used", reserve.used}, {"free", reserve.free}};
+}
 
 Json NodesOf(const std::vector<Group> &groups, const Slots &slots) {
   Json nodes = Json::array();
@@ -14,36 +24,53 @@ Json NodesOf(const std::vector<Group> &groups, const Slots &slots) {
                      {"client", ClientOf(group)},
                      {"offline", group.offline},
                      {"slot", SlotOf(slots, group.client)},
+                     {"reserve", ReserveOf(slots, group)},
                      {"servers", NamesOf(group.servers)},
                      {"children", NodesOf(group.children, slots)}});
   }
   return nodes;
 }
 
-using Rows = std::vector<std::vector<std::string>>;
+// Where a group stands: the bars of the levels above it, and the branch that leads to it.
+struct Place {
+  std::string bars;
+  bool top;
+  bool last;  // of those below one group
 
-// indent: the lines of the levels above; top-level groups have none and no branch of their own.
-void AddRows(Rows &rows, const Json &nodes, const std::string &indent, bool top) {
+  std::string Branch() const { return top ? "" : bars + (last ? "└─ " : "├─ "); }
+  std::string Bars() const { return top ? "" : bars + (last ? "   " : "│  "); }
+};
+
+std::string ReserveText(const Json &reserve) {
+  if (reserve.is_null()) return Shown(reserve);
+  return fmt::format("{} used, {} free", Shown(reserve.at("used")), Shown(reserve.at("free")));
+}
+
+Row RowOf(const Json &node, const Place &place) {
+  const std::string name = Shown(node.at("name"));
+  const std::string trail = place.Bars() + (node.at("children").empty() ? "" : "│  ");
+  const Cell client =
+      node.at("offline") ? Cell{"(offline)", kWarningStyle} : Cell{Shown(node.at("client"))};
+  return {{name.empty() ? "(no name)" : name, {}, place.Branch(), trail},
+          client,
+          {Shown(node.at("slot"))},
+          {ReserveText(node.at("reserve"))},
+          {Shown(node.at("servers"))}};
+}
+
+void AddRows(std::vector<Row> &rows, const Json &nodes, const std::string &bars, bool top) {
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    const Json &node = nodes[i];
-    const bool last = i + 1 == nodes.size();
-    const std::string name = node["name"].get<std::string>();
-    rows.push_back({indent +
-                        (top    ? ""
-                         : last ? "└─ "
-                                : "├─ ") +
-                        (name.empty() ? "(no name)" : name),
-                    node["offline"] ? "(offline)" : Shown(node["client"]), Shown(node["slot"]),
-                    Shown(node["servers"])});
-    AddRows(rows, node["children"], indent + (top ? "" : last ? "   " : "│  "), false);
+    const Place place{bars, top, i + 1 == nodes.size()};
+    rows.push_back(RowOf(nodes[i], place));
+    AddRows(rows, nodes[i].at("children"), place.Bars(), false);
   }
 }
 
-std::string DrawTree(const Json &tree, const Screen &) {
+std::string DrawTree(const Json &tree, const Screen &screen) {
   if (tree.empty()) return "There are no groups.\n";
-  Rows rows = {{"GROUP", "CLIENT", "SLOT", "SERVERS"}};
+  std::vector<Row> rows;
   AddRows(rows, tree, "", true);
-  return Columns(rows);
+  return Columns({"GROUP", "CLIENT", "SLOT", "RESERVE", "SERVERS"}, rows, screen);
 }
 
 Outcome ShowTree() {
@@ -56,7 +83,8 @@ Outcome ShowTree() {
 void AddTreeCommand(CLI::App &app, Commands &commands) {
   AddCommand(app,
              {"tree", "Draw the tree of groups",
-              R"([{"name","path","client","offline","slot","servers":[…],"children":[…]}])"},
+              R"([{"name","path","client","offline","slot","reserve":{"used","free"},)"
+              R"("servers":[…],"children":[…]}])"},
              commands, ShowTree);
 }
 

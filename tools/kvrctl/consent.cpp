@@ -7,6 +7,7 @@
 
 #include "failure.h"
 #include "platform.h"
+#include "progress.h"
 #include "text.h"
 
 namespace kvrctl {
@@ -16,6 +17,7 @@ namespace {
 std::string ReadAnswer() {
   std::string line;
   std::getline(std::cin, line);
+  if (std::cin.eof()) std::fputs("\n", stderr);  // no key has ended the line of the question
   const std::size_t first = line.find_first_not_of(" \t\r");
   if (first == std::string::npos) return "";
   return line.substr(first, line.find_last_not_of(" \t\r") - first + 1);
@@ -35,6 +37,7 @@ void Consent::Require(const std::string &sentence, const std::string &word) cons
         fmt::format("{} Nothing was changed, for there is no terminal to confirm it on.", sentence),
         "Repeat the command with --yes, or with --dry-run to see what it would write.");
   }
+  Progress::Clear();
   fmt::print(stderr, "{}\nType '{}' to go on: ", Printable(sentence), word);
   std::fflush(stderr);
   if (ReadAnswer() == word) return;

@@ -55,7 +55,7 @@ Json WritesIn(const std::string &report) {
 std::string Draw(const Drawing &inner, const Json &result, const Screen &screen) {
   std::string text = "A dry run: nothing was written.\n";
   if (inner && !result.at("result").is_null()) {
-    text += "The command would answer:\n" + Indented(inner(result.at("result"), screen));
+    text += "The command would answer:\n" + Indented(inner(result.at("result"), Inset(screen)));
   }
   return text + AsTable({{"host", "WOULD WRITE TO"}, {"table", "TABLE"}, {"times", "TIMES"}},
                         "No table would be written.")(result.at("would_write"), screen);

@@ -45,11 +45,12 @@ HostResults ChangeEach(const std::string &doing, const std::vector<const Host *>
   return results;
 }
 
-AcgResults ChangeAcg(const Library &library, const std::function<void()> &change) {
+AcgResults ChangeAcg(const std::string &doing, const Library &library,
+                     const std::function<void()> &change) {
   AcgResults results;
   std::vector<const Host *> kept;
   try {
-    change();
+    Progress(doing).During(change);
   } catch (const kvrapi::Error &error) {
     results.code = error.Code();
     for (const kvrapi::FailedHost &failed : error.FailedHosts()) {

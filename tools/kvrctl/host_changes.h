@@ -36,8 +36,9 @@ struct AcgResults : HostResults {
   std::uint32_t code = KVR_OK;  // as the library answered
 };
 
-// Makes such a change. The ACG is that of before; the hosts that failed are there after 5008 only.
-AcgResults ChangeAcg(const Library &library, const std::function<void()> &change);
+// Makes such a change; doing is what the progress line says. The ACG is that of before; the hosts that failed are there after 5008 only.
+AcgResults ChangeAcg(const std::string &doing, const Library &library,
+                     const std::function<void()> &change);
 
 // Calls change(system) for every host that the user names. Throws Failure before anything is
 // changed where a name does not fit one host, and afterwards where every host failed; where some

@@ -74,8 +74,7 @@ const Group &OnlyGroup(const std::vector<const Group *> &found, const GroupPath 
 
 Library::Library() : session_(OpenSession()) {
   if (!session_.HasDiscovered()) {
-    const Progress progress("Discovering the hosts");
-    session_.Discover();
+    Progress("Discovering the hosts").During([this] { session_.Discover(); });
     ForgetSystems();
   }
   outsidersWithheld_ = session_.IsSecured() && !session_.IsMsc();

@@ -19,11 +19,11 @@ void PrepareOutput();
 // True when the stream is a terminal.
 bool IsTerminal(std::FILE *stream);
 
-// The columns of the terminal that standard output is; 80 where it does not tell.
-std::size_t TerminalWidth();
+// The columns of the terminal that the stream is; 80 where it does not tell.
+std::size_t TerminalWidth(std::FILE *stream);
 
-// Lets the terminal take colours; false where it cannot.
-bool EnableColor();
+// Lets the terminal that the stream is take colours until the process ends; false where it cannot.
+bool EnableColor(std::FILE *stream);
 
 // The ASCII characters beside letters and digits that mean nothing to the system's shell.
 extern const std::string_view kPlainInShell;

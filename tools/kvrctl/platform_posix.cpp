@@ -22,13 +22,13 @@ bool IsTerminal(std::FILE *stream) {
   return isatty(fileno(stream)) == 1;
 }
 
-std::size_t TerminalWidth() {
+std::size_t TerminalWidth(std::FILE *stream) {
   winsize size{};
-  const bool told = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  const bool told = ioctl(fileno(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
   return told ? size.ws_col : kUsualWidth;
 }
 
-bool EnableColor() {
+bool EnableColor(std::FILE * /*stream*/) {
   return true;
 }
 

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
+#include <map>
 #include <memory>
 #include <windows.h>
 
@@ -14,6 +15,27 @@ namespace kvrctl {
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
+
+HANDLE HandleOf(std::FILE *stream) {
+  return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+}
+
+// The modes of consoles as they were, for the shell that goes on in them.
+class FormerModes {
+ public:
+  FormerModes() = default;
+  FormerModes(const FormerModes &) = delete;
+  FormerModes &operator=(const FormerModes &) = delete;
+  ~FormerModes() {
+    for (const auto &[console, mode] : modes_)
+      SetConsoleMode(console, mode);
+  }
+
+  void Keep(HANDLE console, DWORD mode) { modes_.emplace(console, mode); }
+
+ private:
+  std::map<HANDLE, DWORD> modes_;
+};
 
 }  // namespace
 
@@ -39,21 +61,25 @@ void PrepareOutput() {
 
 bool IsTerminal(std::FILE *stream) {
   DWORD mode = 0;
-  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))), &mode) != 0;
+  return GetConsoleMode(HandleOf(stream), &mode) != 0;
 }
 
-std::size_t TerminalWidth() {
+std::size_t TerminalWidth(std::FILE *stream) {
   CONSOLE_SCREEN_BUFFER_INFO info{};
-  const bool told = GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) != 0;
+  const bool told = GetConsoleScreenBufferInfo(HandleOf(stream), &info) != 0;
   const int columns = info.srWindow.Right - info.srWindow.Left + 1;
   return told && columns > 0 ? static_cast<std::size_t>(columns) : kUsualWidth;
 }
 
-bool EnableColor() {
-  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+bool EnableColor(std::FILE *stream) {
+  static FormerModes formerModes;
+  const HANDLE console = HandleOf(stream);
   DWORD mode = 0;
-  return GetConsoleMode(output, &mode) != 0 &&
-         SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+  if (GetConsoleMode(console, &mode) == 0) return false;
+  if ((mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0) return true;
+  if (SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) == 0) return false;
+  formerModes.Keep(console, mode);
+  return true;
 }
 
 const std::string_view kPlainInShell = "-_./@:+\\";

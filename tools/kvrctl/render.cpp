@@ -34,7 +34,8 @@ void WriteText(const Outcome &outcome) {
   Write(stdout, ResultText(outcome, OutputScreen()));
   if (!outcome.failure) return;
   std::fflush(stdout);
-  Write(stderr, "kvrctl: " + FailureText(*outcome.failure));
+  Write(stderr,
+        Painted("kvrctl:", kAlarmStyle, ErrorScreen()) + ' ' + FailureText(*outcome.failure));
 }
 
 }  // namespace

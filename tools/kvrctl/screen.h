@@ -1,7 +1,11 @@
-// Where text is drawn: how much room there is, and whether it takes colours.
+// Where text is drawn: how much room there is, whether it takes colours, and what they mean.
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <fmt/color.h>
 
 namespace kvrctl {
 
@@ -10,8 +14,21 @@ struct Screen {
   bool color = false;
 };
 
-// Standard output: a terminal's width and colours, or neither where it is none. NO_COLOR, and a TERM
-// of "dumb", keep colours away.
+// A standard stream: a terminal's width and colours, or neither where it is none. NO_COLOR, and a
+// TERM of "dumb", keep colours away.
 Screen OutputScreen();
+Screen ErrorScreen();
+
+// What is left of the screen for text that will be moved in by two columns.
+Screen Inset(const Screen &screen);
+
+using Style = fmt::text_style;
+
+constexpr Style kLabelStyle = fmt::emphasis::bold;
+constexpr Style kWarningStyle = fmt::fg(fmt::terminal_color::yellow);  // runs on, with less
+constexpr Style kAlarmStyle = fmt::fg(fmt::terminal_color::red);       // failed
+
+// The text in the style where the screen takes colours, else as it is.
+std::string Painted(std::string_view text, const Style &style, const Screen &screen);
 
 }  // namespace kvrctl

@@ -2,7 +2,17 @@
 
 #include <utility>
 
+#include "columns.h"
+
 namespace kvrctl {
+namespace {
+
+Cell CellOf(const Fact &fact, const Json &object) {
+  const Json &value = object.at(fact.key);
+  return {Shown(value), fact.tone == nullptr ? Style() : fact.tone(value)};
+}
+
+}  // namespace
 
 std::string Shown(const Json &value) {
   if (value.is_null()) return "-";
@@ -19,28 +29,37 @@ std::string ShownList(const Json &list) {
   return list.empty() ? "none" : Shown(list);
 }
 
+Style WarningIfTrue(const Json &value) {
+  return value == true ? kWarningStyle : Style();
+}
+
+Style WarningIfFalse(const Json &value) {
+  return value == false ? kWarningStyle : Style();
+}
+
 Drawing AsTable(std::vector<Fact> columns, std::string none) {
-  return [columns = std::move(columns), none = std::move(none)](const Json &rows,
-                                                                const Screen &) -> std::string {
-    if (rows.empty()) return none + '\n';
-    std::vector<std::vector<std::string>> cells(1);
+  return [columns = std::move(columns), none = std::move(none)](
+             const Json &objects, const Screen &screen) -> std::string {
+    if (objects.empty()) return none + '\n';
+    std::vector<std::string> labels;
     for (const Fact &column : columns)
-      cells.front().emplace_back(column.label);
-    for (const Json &row : rows) {
-      std::vector<std::string> &line = cells.emplace_back();
+      labels.emplace_back(column.label);
+    std::vector<Row> rows;
+    for (const Json &object : objects) {
+      Row &row = rows.emplace_back();
       for (const Fact &column : columns)
-        line.push_back(Shown(row.at(column.key)));
+        row.push_back(CellOf(column, object));
     }
-    return Columns(cells);
+    return Columns(labels, rows, screen);
   };
 }
 
 Drawing AsSheet(std::vector<Fact> lines) {
-  return [lines = std::move(lines)](const Json &object, const Screen &) {
-    std::vector<std::vector<std::string>> cells;
+  return [lines = std::move(lines)](const Json &object, const Screen &screen) {
+    std::vector<Row> rows;
     for (const Fact &line : lines)
-      cells.push_back({line.label, Shown(object.at(line.key))});
-    return Columns(cells);
+      rows.push_back({{line.label, kLabelStyle}, CellOf(line, object)});
+    return Columns({}, rows, screen);
   };
 }
 

@@ -22,10 +22,18 @@ using Json = nlohmann::ordered_json;
 // Draws a result as whole lines. What it captures is wording, never a fact.
 using Drawing = std::function<std::string(const Json &result, const Screen &screen)>;
 
-// One fact of an object: its key in JSON and what it is called in text.
+// How a value is painted.
+using Tone = Style (*)(const Json &value);
+
+Style WarningIfTrue(const Json &value);
+Style WarningIfFalse(const Json &value);
+
+// One fact of an object: its key in JSON, what it is called in text, and how its values are painted
+// where any of them is worth it.
 struct Fact {
   const char *key;
   const char *label;
+  Tone tone = nullptr;
 };
 
 // One value in text.

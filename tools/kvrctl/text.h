@@ -21,8 +21,4 @@ std::string CommandText(const std::vector<std::string> &words);
 // The text with every line moved in by two columns.
 std::string Indented(std::string_view text);
 
-// Rows of cells as lines with aligned columns, two spaces between them, each line ended. The cells
-// are made printable.
-std::string Columns(const std::vector<std::vector<std::string>> &rows);
-
 }  // namespace kvrctl
