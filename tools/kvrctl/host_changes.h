@@ -36,7 +36,8 @@ struct AcgResults : HostResults {
   std::uint32_t code = KVR_OK;  // as the library answered
 };
 
-// Makes such a change; doing is what the progress line says. The ACG is that of before; the hosts that failed are there after 5008 only.
+// Makes such a change; doing is what the progress line says. The ACG is that of before; the hosts
+// that failed are there after 5008 only.
 AcgResults ChangeAcg(const std::string &doing, const Library &library,
                      const std::function<void()> &change);
 
