@@ -102,7 +102,7 @@ void AddSuccessionCommands(CLI::App &app, Commands &commands) {
       ->required();
   AddCommand(app,
              {"takeover", "Take the MSC's role on this backup MSC, when the MSC is lost",
-              R"({"slot"})", Effect::Destroys},
+              R"({"slot"})", Effect::Destroys, true},
              commands, [&consent = commands.consent] { return TakeOver(consent); });
 }
 
