@@ -10,15 +10,6 @@
 namespace kvrctl {
 namespace {
 
-std::string Enumerated(const std::vector<std::string> &items) {
-  std::string text;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    if (i > 0) text += i + 1 == items.size() ? " and " : ", ";
-    text += items[i];
-  }
-  return text;
-}
-
 std::uint32_t CountOf(const Member &client, bool onlyUsed) {
   std::uint32_t count = 0;
   for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
@@ -30,8 +21,13 @@ std::uint32_t CountOf(const Member &client, bool onlyUsed) {
 
 }  // namespace
 
-std::string Listed(const std::vector<std::string> &names) {
-  return Enumerated(names);
+std::string Listed(const std::vector<std::string> &items) {
+  std::string text;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i > 0) text += i + 1 == items.size() ? " and " : ", ";
+    text += items[i];
+  }
+  return text;
 }
 
 std::string SlotText(const std::vector<std::uint32_t> &slots) {
@@ -44,7 +40,7 @@ std::string SlotText(const std::vector<std::uint32_t> &slots) {
                                 : fmt::format("{}", slots[i]));
     i = last > i + 1 ? last + 1 : i + 1;
   }
-  return (slots.size() == 1 ? "slot " : "slots ") + Enumerated(runs);
+  return (slots.size() == 1 ? "slot " : "slots ") + Listed(runs);
 }
 
 std::string Command(const std::vector<std::string> &words, const std::vector<std::string> &names) {
@@ -71,6 +67,7 @@ std::string Readmission(const View &view, const Member &member) {
                        Command({"kvrctl", "backup", "remove"}, name), out,
                        Command({"kvrctl", "backup", "add"}, name));
   }
+  if (member.slot && !view.HasParent(member)) return RemovalByHand({member.host->name});
   if (member.slot) {
     return fmt::format(
         "{} hand its group to another host with {}, then run {} and {}: the table is written anew, "
@@ -96,15 +93,20 @@ std::string RemovalByHand(const std::vector<std::string> &hosts) {
       Command({"kvrctl", "acg", "add"}, {hosts.size() == 1 ? hosts.front() : "HOST"}));
 }
 
-std::string ReserveAnew(const View &view, const Member &client) {
-  const std::string path = ClientPath(client.host->name);
-  const auto resize = [&path](std::uint32_t count) {
-    return Command({"kvrctl", "group", "set-reserve"}, {path, std::to_string(count)});
+std::string ReserveAnew(const View &view, const std::vector<const Member *> &clients) {
+  const auto resized = [&clients](bool onlyUsed) {
+    std::vector<std::string> commands;
+    for (const Member *client : clients) {
+      commands.push_back(
+          Command({"kvrctl", "group", "set-reserve"},
+                  {ClientPath(client->host->name), std::to_string(CountOf(*client, onlyUsed))}));
+    }
+    return Listed(commands);
   };
   return fmt::format(
-      "{} give back what is free of the reserve with {}, then set it aside anew "
-      "with {}.",
-      OnMsc(view), resize(CountOf(client, true)), resize(CountOf(client, false)));
+      "{} give back what is free of the reserve with {}, then set it aside anew with "
+      "{}.",
+      OnMsc(view), resized(true), resized(false));
 }
 
 }  // namespace kvrctl

@@ -11,7 +11,7 @@
 namespace kvrctl {
 
 // "h1", "h1 and h2", "h1, h2 and h3".
-std::string Listed(const std::vector<std::string> &names);
+std::string Listed(const std::vector<std::string> &items);
 
 // "slot 4", "slots 4 and 5", "slots 4 to 7 and 9"; the slots ascend.
 std::string SlotText(const std::vector<std::uint32_t> &slots);
@@ -23,13 +23,13 @@ std::string Command(const std::vector<std::string> &words,
 // "On h1, the MSC," or, where there isn't the one, "On the MSC".
 std::string OnMsc(const View &view);
 
-// How a member gets a new table, by the role that it has now.
+// How a member gets a new table, by the role that it has now: with commands where some do it.
 std::string Readmission(const View &view, const Member &member);
 
 // How a table is removed where no command does that.
 std::string RemovalByHand(const std::vector<std::string> &hosts);
 
-// How a client's reserve is given back and set aside anew, as far as it isn't in use.
-std::string ReserveAnew(const View &view, const Member &client);
+// How the reserves of clients are given back and set aside anew, as far as they aren't in use.
+std::string ReserveAnew(const View &view, const std::vector<const Member *> &clients);
 
 }  // namespace kvrctl

@@ -120,7 +120,7 @@ void CheckUngiven(const View &view, Findings &findings) {
              : fmt::format("{} has {} in a reserve, but no slot of its own.", name,
                            SlotText(slots)),
          "Two clients may get the same slot: one from each.",
-         member.slot ? ReserveAnew(view, member) : Readmission(view, member)});
+         member.slot ? ReserveAnew(view, {&member}) : Readmission(view, member)});
   }
 }
 
@@ -159,16 +159,14 @@ void CheckReservedTwice(const View &view, Findings &findings) {
       if (other == given.end()) continue;
       const std::string &a = given[i]->host->name;
       const std::string &b = (*other)->host->name;
-      findings.push_back(
-          {"SLOT_RESERVED_TWICE",
-           {a, b},
-           {slot},
-           fmt::format("{} and {} each have slot {} in their reserve, and neither "
-                       "stands above the other.",
-                       a, b, slot),
-           "Two clients may get the same slot: one from each.",
-           ReserveAnew(view, *given[i]) +
-               " Do so with both, the giving back first: " + ReserveAnew(view, **other)});
+      findings.push_back({"SLOT_RESERVED_TWICE",
+                          {a, b},
+                          {slot},
+                          fmt::format("{} and {} each have slot {} in their reserve, and neither "
+                                      "stands above the other.",
+                                      a, b, slot),
+                          "Two clients may get the same slot: one from each.",
+                          ReserveAnew(view, {given[i], *other})});
     }
   }
 }

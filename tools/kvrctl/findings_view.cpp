@@ -121,6 +121,10 @@ void View::FindLost() {
   }
 }
 
+bool View::HasParent(const Member &client) const {
+  return client.slot && !slots[*client.slot].parents.empty();
+}
+
 const Member *View::Local() const {
   const auto found = std::find_if(members.begin(), members.end(),
                                   [](const Member &member) { return member.host->local; });

@@ -53,6 +53,9 @@ class View {
   std::array<SlotMarks, KVR_SLOT_COUNT> slots;
   std::vector<std::string> unread;  // hosts that may hold a table but could not be read
 
+  // Whether a client has a member above it, so that its group stands where commands can change it.
+  [[nodiscard]] bool HasParent(const Member &client) const;
+
   // The member that this host is, or null.
   [[nodiscard]] const Member *Local() const;
 
