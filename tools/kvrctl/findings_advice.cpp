@@ -52,6 +52,10 @@ std::string OnMsc(const View &view) {
   return fmt::format("On {}, the MSC,", view.mscs.front()->host->name);
 }
 
+std::string OnMscWithin(const View &view) {
+  return "on " + (view.mscs.size() == 1 ? view.mscs.front()->host->name : "the MSC");
+}
+
 std::string Readmission(const View &view, const Member &member) {
   const std::vector<std::string> name = {member.host->name};
   const std::string out = Command({"kvrctl", "acg", "remove"}, name);

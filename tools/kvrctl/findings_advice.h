@@ -23,6 +23,9 @@ std::string Command(const std::vector<std::string> &words,
 // "On h1, the MSC," or, where there isn't the one, "On the MSC".
 std::string OnMsc(const View &view);
 
+// The same within a sentence: "on h1", "on the MSC".
+std::string OnMscWithin(const View &view);
+
 // How a member gets a new table, by the role that it has now: with commands where some do it.
 std::string Readmission(const View &view, const Member &member);
 

@@ -30,11 +30,12 @@ std::string NextForLost(const View &view, const Member &pool) {
            "Where the client is gone for good, no command frees its slots: they stay taken until "
            "the configuration is made anew with `kvrctl destroy` and `kvrctl create`.";
   }
+  if (!view.HasParent(pool)) return first + RemovalByHand({pool.host->name});
   return first +
          fmt::format(
-             "Where the client is gone for good, {} the group can be deleted with "
-             "{}, which gives its slots back.",
-             view.mscs.size() == 1 ? "on " + view.mscs.front()->host->name : "on the MSC",
+             "Where the client is gone for good, delete the groups below that of {}, and "
+             "then {} that one too with {}: it gives its slots back.",
+             pool.host->name, OnMscWithin(view),
              Command({"kvrctl", "group", "delete", "--force"}, {ClientPath(pool.host->name)}));
 }
 
@@ -84,8 +85,8 @@ void CheckForgotten(const View &view, Findings &findings) {
          slots,
          fmt::format("{} holds slot {}, but no member has that slot's client as its child.", name,
                      *client.slot),
-         "The creation of its group broke off before the host above stored it: the slot counts as "
-         "free there, and another client may get it too.",
+         "The creation of its group broke off, or the group was deleted while this host was away: "
+         "the slot counts as free above it, and another client may get it too.",
          deletable ? fmt::format("{} run {}, and create the group again.", OnMsc(view),
                                  Command({"kvrctl", "group", "delete"}, {ClientPath(name)}))
                    : RemovalByHand({name})});

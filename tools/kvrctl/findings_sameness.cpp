@@ -65,9 +65,8 @@ std::string NextForStrangers(const View &view, const std::vector<std::string> &n
   return fmt::format(
       "Where the other configuration is in use, keep the two apart: no host may see those of both. "
       "Else {} {} removes what is left of it, and {} brings the {} into this one.",
-      view.mscs.size() == 1 ? "on " + view.mscs.front()->host->name : "on the MSC",
-      Command({"kvrctl", "acg", "remove"}, names), Command({"kvrctl", "acg", "add"}, names),
-      names.size() == 1 ? "host" : "hosts");
+      OnMscWithin(view), Command({"kvrctl", "acg", "remove"}, names),
+      Command({"kvrctl", "acg", "add"}, names), names.size() == 1 ? "host" : "hosts");
 }
 
 void CheckStrangers(const View &view, Findings &findings) {
