@@ -77,6 +77,8 @@ void AddSuccessionCommands(CLI::App &app, Commands &commands);
 void AddPermissionCommands(CLI::App &app, Commands &commands);
 void AddSwitchAccessCommand(CLI::App &app, Commands &commands);
 void AddKeyCommands(CLI::App &app, Commands &commands);
+void AddDoctorCommand(CLI::App &app, Commands &commands);
+void AddTableCommands(CLI::App &app, Commands &commands);
 void AddBatchCommand(CLI::App &app, Commands &commands);
 
 }  // namespace kvrctl

@@ -47,6 +47,8 @@ CommandLine::CommandLine(Place place)
   AddPermissionCommands(app, commands);
   AddSwitchAccessCommand(app, commands);
   AddKeyCommands(app, commands);
+  AddDoctorCommand(app, commands);
+  AddTableCommands(app, commands);
   AddBatchCommand(app, commands);
   UnmarkValues(app);
 }

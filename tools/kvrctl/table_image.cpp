@@ -112,7 +112,7 @@ void AddDifferences(Json &differences, const std::string &at, const Json &a, con
   if (a.is_structured()) {
     auto other = b.begin();
     for (const auto &[key, value] : a.items())
-      AddDifferences(differences, at + "/" + key, value, *other++);
+      AddDifferences(differences, fmt::format("{}/{}", at, key), value, *other++);
   } else if (a != b) {
     differences.push_back({{"field", at}, {"a", a}, {"b", b}});
   }
