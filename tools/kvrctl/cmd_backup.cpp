@@ -27,13 +27,13 @@ void AddBackupCommands(CLI::App &app, Commands &commands) {
   CLI::App *backup = AddFamily(app, "backup", "Name the hosts that can take the MSC's role over");
   AddMscChange(*backup, commands,
                {"add", "Make hosts backup MSCs; they join the ACG; run it on the MSC",
-                R"({"done":[…]})", Effect::Changes},
+                R"({"done":[…]})", Effect::Changes, false, "", "backup add db-0005"},
                {"Making a backup MSC", "Backup MSCs from now on", {"kvrctl", "backup", "add"}},
                &kvrapi::Session::AddBackupMsc);
   AddMscChange(
       *backup, commands,
       {"remove", "Make backup MSCs plain members again; run it on the MSC", R"({"done":[…]})",
-       Effect::Changes},
+       Effect::Changes, false, "", "backup remove db-0005"},
       {"Ending the role of backup MSC", "No backup MSC any more", {"kvrctl", "backup", "remove"}},
       &kvrapi::Session::RemoveBackupMsc);
   AddCommand(*backup, {"list", "List the backup MSCs", R"([{"name","wide_name"}])"}, commands,

@@ -175,9 +175,17 @@ Outcome RunSteps(const BatchRequest &request, const std::vector<Step> &steps) {
 void AddBatchCommand(CLI::App &app, Commands &commands) {
   const auto asked = std::make_shared<BatchRequest>();
   Description description{
-      "batch", "Run the commands of a file, one a line, with one discovery",
-      R"({"done","failed","not_run","lines":[{"line","text","command","ok",…}]})", Effect::Destroys,
-      true};
+      "batch",
+      "Run the commands of a file, one a line, with one discovery",
+      R"({"done","failed","not_run","lines":[{"line","text","command","ok",…}]})",
+      Effect::Destroys,
+      true,
+      "A line is a command as in a shell, with or without `kvrctl`; a blank one and one that "
+      "begins "
+      "with # are passed over. Every line is read before the first is run. A failure ends the "
+      "batch, "
+      "and its hint names the command that goes on from there; --keep-going goes on at once.",
+      "batch --dry-run plan.txt"};
   CLI::App *batch = AddCommand(app, description, commands, [asked, &consent = commands.consent] {
     return RunSteps(*asked, ReadSteps(*asked, consent));
   });

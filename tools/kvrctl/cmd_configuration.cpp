@@ -67,7 +67,8 @@ void AddConfigurationCommands(CLI::App &app, Commands &commands) {
       commands, Create);
   AddCommand(app,
              {"destroy", "Take the configuration down on every host; run it on the MSC",
-              R"({"here","removed":[…]})", Effect::Destroys},
+              R"({"here","removed":[…]})", Effect::Destroys, false,
+              "It reaches the members that this host sees; one that is down keeps its table."},
              commands, [&consent = commands.consent] { return Destroy(consent); });
 }
 

@@ -81,8 +81,9 @@ Outcome SwitchHost(const std::string &host, bool up) {
           }};
 }
 
-Description Simulated(const char *name, const char *summary, const char *result) {
-  return {name, summary, result, Effect::Reads, true};
+Description Simulated(const char *name, const char *summary, const char *result,
+                      const char *details = "", const char *example = "") {
+  return {name, summary, result, Effect::Reads, true, details, example};
 }
 
 void AddSet(CLI::App &fabric, Commands &commands) {
@@ -92,9 +93,10 @@ void AddSet(CLI::App &fabric, Commands &commands) {
     bool down = false;
   };
   const auto asked = std::make_shared<Switch>();
-  CLI::App *set = AddCommand(
-      fabric, Simulated("set", "Take a host of the fabric up or down", R"({"host","up"})"),
-      commands, [asked] { return SwitchHost(asked->host, asked->up); });
+  CLI::App *set = AddCommand(fabric,
+                             Simulated("set", "Take a host of the fabric up or down",
+                                       R"({"host","up"})", "", "fabric set web-0002 --down"),
+                             commands, [asked] { return SwitchHost(asked->host, asked->up); });
   set->add_option("HOST", asked->host, "The host")->required();
   CLI::Option_group *state = set->add_option_group("state", "The new state");
   state->add_flag("--up", asked->up, "Its adapters answer");
@@ -109,7 +111,9 @@ void AddFabricCommands(CLI::App &app, Commands &commands) {
 
   const auto asked = std::make_shared<NewFabric>();
   CLI::App *made = AddCommand(
-      *fabric, Simulated("new", "Make a fabric in a new folder", R"({"folder","hosts","seed"})"),
+      *fabric,
+      Simulated("new", "Make a fabric in a new folder", R"({"folder","hosts","seed"})",
+                "A folder that holds a fabric.toml is left alone.", "fabric new lab --hosts 6"),
       commands, [asked] { return MakeFabric(*asked); });
   made->add_option("DIR", asked->folder, "The folder")->required();
   made->add_option("--hosts", asked->hosts, "Number of hosts, 1 to 10000")
@@ -121,11 +125,11 @@ void AddFabricCommands(CLI::App &app, Commands &commands) {
       })
       ->capture_default_str();
 
-  AddCommand(
-      *fabric,
-      Simulated("show", "List the fabric's hosts",
-                R"([{"name","wide_name","up","excluded","adapters","adapters_up","table"}])"),
-      commands, ShowFabric);
+  AddCommand(*fabric,
+             Simulated("show", "List the fabric's hosts as they are described",
+                       R"([{"name","wide_name","up","excluded","adapters","adapters_up","table"}])",
+                       "`table` tells whether the host stores one."),
+             commands, ShowFabric);
   AddSet(*fabric, commands);
 }
 

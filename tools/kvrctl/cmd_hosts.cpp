@@ -53,7 +53,8 @@ Outcome ShowHosts() {
 void AddHostsCommand(CLI::App &app, Commands &commands) {
   AddCommand(app,
              {"hosts", "List the other hosts and their part in the configuration",
-              R"([{"name","wide_name","in_acg","slot","client_of","serves":[…],"backup_msc"}])"},
+              R"([{"name","wide_name","in_acg","slot","client_of","serves":[…],"backup_msc"}])",
+              Effect::Reads, false, "`slot` is null where a host holds none, or none can be read."},
              commands, ShowHosts);
 }
 

@@ -68,12 +68,15 @@ Outcome Sync() {
 void AddKeyCommands(CLI::App &app, Commands &commands) {
   AddCommand(app,
              {"renew-keys", "Write new keys to every host; run it on the MSC",
-              R"({"done":[…],"here"})", Effect::Changes},
+              R"({"done":[…],"here"})", Effect::Changes, false,
+              "`here` tells whether this host's own table took them; it is null where that cannot "
+              "be told."},
              commands, RenewKeys);
-  AddCommand(app,
-             {"sync", "Ask every host to bring its adapters in line with its table",
-              R"({"hosts"}, a number)", Effect::Changes},
-             commands, Sync);
+  AddCommand(
+      app,
+      {"sync", "Ask every host to bring its adapters in line with its table",
+       R"({"hosts"}, a number)", Effect::Changes, false, "Whether a host did so is not reported."},
+      commands, Sync);
 }
 
 }  // namespace kvrctl

@@ -64,14 +64,17 @@ void AddStatusCommands(CLI::App &app, Commands &commands) {
   AddCommand(app,
              {"status", "Show this host's role and what it sees",
               R"({"host","secured","secure_client","msc","backup_msc","switch_access","slot",)"
-              R"("hosts","acg","groups"})"},
+              R"("hosts","acg","groups"})",
+              Effect::Reads, false,
+              "`hosts` are the other hosts that this one sees, `acg` those of them in the "
+              "configuration, `groups` those of the whole tree that have a client."},
              commands, ShowStatus);
 
   const auto path = std::make_shared<std::string>();
-  AddCommand(
-      app,
-      {"slots", "Count the slots from which new groups are made", R"({"group","free","used"})"},
-      commands, [path] { return ShowSlots(*path); })
+  AddCommand(app,
+             {"slots", "Count the slots from which new groups are made",
+              R"({"group","free","used"})", Effect::Reads, false, "", "slots sales/north"},
+             commands, [path] { return ShowSlots(*path); })
       ->add_option("GROUP", *path, "Under this group, as sales/north or @HOST; else the top level");
 }
 

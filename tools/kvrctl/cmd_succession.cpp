@@ -96,13 +96,18 @@ void AddSuccessionCommands(CLI::App &app, Commands &commands) {
   const auto next = std::make_shared<std::string>();
   AddCommand(app,
              {"handover", "Hand the MSC's role to a backup MSC; run it on the MSC", R"({"msc"})",
-              Effect::Destroys},
+              Effect::Destroys, false,
+              "This host becomes a plain member. Another backup MSC may hand the role over too; "
+              "the former MSC's own table is not corrected then.",
+              "handover db-0005"},
              commands, [next, &consent = commands.consent] { return HandOver(*next, consent); })
       ->add_option("HOST", *next, "The backup MSC that becomes the MSC")
       ->required();
   AddCommand(app,
              {"takeover", "Take the MSC's role on this backup MSC, when the MSC is lost",
-              R"({"slot"})", Effect::Destroys, true},
+              R"({"slot"})", Effect::Destroys, true,
+              "The former MSC's table still says that it is the MSC: when it comes back, keep it "
+              "cut off and run `kvrctl destroy` on it first."},
              commands, [&consent = commands.consent] { return TakeOver(consent); });
 }
 

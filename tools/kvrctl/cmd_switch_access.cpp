@@ -71,7 +71,10 @@ void AddSwitchAccessCommand(CLI::App &app, Commands &commands) {
   CLI::App *command =
       AddCommand(app,
                  {"switch-access", "Switch switch access on or off everywhere; run it on the MSC",
-                  R"({"enabled","written","done":[…],"here"})", Effect::Changes},
+                  R"({"enabled","written","done":[…],"here"})", Effect::Changes, false,
+                  "What is stored already is not written again, unless with --again. `here` tells "
+                  "whether this host's own table took it.",
+                  "switch-access on"},
                  commands, [asked] { return SwitchAccess(*asked); });
   command->add_option("STATE", asked->state, "on or off")
       ->required()

@@ -40,7 +40,9 @@ struct Description {
   std::string summary;  // one line
   std::string result;   // the shape of its result in JSON
   Effect effect = Effect::Reads;
-  bool alone = false;  // has no place in a batch: what it changes is seen by the next run
+  bool alone = false;        // has no place in a batch: what it changes is seen by the next run
+  std::string details = {};  // sentences for the reference, beyond the summary
+  std::string example = {};  // one line as it would be typed, without "kvrctl"
 };
 
 // The command that the command line chose.
@@ -57,8 +59,8 @@ struct Commands {
   Consent consent;
 };
 
-// Adds a command below parent; when the command line names it, it is chosen. run is called after the
-// whole line has been read, and may throw Failure.
+// Adds a command below parent; when the command line names it, it is chosen. run is called after
+// the whole line has been read, and may throw Failure.
 CLI::App *AddCommand(CLI::App &parent, const Description &description, Commands &commands,
                      std::function<Outcome()> run);
 
@@ -80,5 +82,7 @@ void AddKeyCommands(CLI::App &app, Commands &commands);
 void AddDoctorCommand(CLI::App &app, Commands &commands);
 void AddTableCommands(CLI::App &app, Commands &commands);
 void AddBatchCommand(CLI::App &app, Commands &commands);
+void AddHelpCommand(CLI::App &app, Commands &commands);
+void AddCompleteCommand(CLI::App &app, Commands &commands);
 
 }  // namespace kvrctl

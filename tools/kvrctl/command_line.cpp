@@ -1,24 +1,34 @@
 #include "command_line.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "arguments.h"
+#include "option_words.h"
 
 namespace kvrctl {
 namespace {
 
+std::string ExitStatusText() {
+  std::string text = "Exit status:";
+  for (const StatusMeaning &one : kStatusMeanings)
+    text += fmt::format("\n  {}  {}", static_cast<int>(one.status), one.meaning);
+  return text;
+}
+
 void AddGlobalOptions(CLI::App &app, Globals &globals) {
   app.set_version_flag("--version", "kvrctl " KVRCTL_VERSION);
-  app.add_option("--fabric", globals.fabric, "The simulated network's folder (KVR_FABRIC)");
+  app.add_option("--fabric", globals.fabric, "The simulated network's folder (KVR_FABRIC)")
+      ->type_name("DIR");
   app.add_option("--host", globals.host, "The host that this run plays (KVR_HOST)");
   app.add_option("--output", globals.output, "text, or json: one object on standard output")
       ->check(CLI::IsMember({"text", "json"}))
       ->capture_default_str();
   app.add_flag("--trace", globals.trace, "Print every call to the outside libraries (KVR_TRACE)");
-  app.footer(kExitStatusHelp);
+  app.footer(ExitStatusText());
 }
 
 // Why the line is refused: a word that nothing takes is named before something that is missing.
@@ -32,6 +42,9 @@ std::string Fault(const CLI::App &app, const CLI::ParseError &error) {
 
 CommandLine::CommandLine(Place place)
     : app("Manages one security configuration among the hosts of a storage network.", "kvrctl") {
+  const auto formatter = std::make_shared<HelpFormatter>();
+  formatter->label("Positionals", "Arguments");
+  app.formatter(formatter);
   app.fallthrough();
   app.require_subcommand(1);
   if (place == Place::Shell) AddGlobalOptions(app, globals);
@@ -50,6 +63,8 @@ CommandLine::CommandLine(Place place)
   AddDoctorCommand(app, commands);
   AddTableCommands(app, commands);
   AddBatchCommand(app, commands);
+  AddHelpCommand(app, commands);
+  AddCompleteCommand(app, commands);
   UnmarkValues(app);
 }
 

@@ -12,11 +12,21 @@ enum class ExitStatus : int {
   NothingToTalkTo = 5  // no adapter, no fabric, or a fabric description that cannot be used
 };
 
-inline constexpr char kExitStatusHelp[] =
-    "Exit status: 0 done; 1 a difference or something unhealthy was found; 2 usage, or a name "
-    "that\n"
-    "is not there or not unique; 3 refused by the library; 4 done in part, the hosts that failed "
-    "are\n"
-    "listed; 5 nothing to talk to: no adapter, no fabric, or a fabric description that is refused.";
+// What users are told of each.
+struct StatusMeaning {
+  ExitStatus status;
+  const char *meaning;
+};
+
+inline constexpr StatusMeaning kStatusMeanings[] = {
+    {ExitStatus::Done, "done"},
+    {ExitStatus::Unhealthy, "a difference or something unhealthy was found"},
+    {ExitStatus::Usage,
+     "the command line is wrong, or names what is not there or not unique; nothing was changed"},
+    {ExitStatus::Refused, "refused by the library, or not confirmed"},
+    {ExitStatus::Partial, "done in part: the hosts that failed are listed, the others are done"},
+    {ExitStatus::NothingToTalkTo,
+     "nothing to talk to: no adapter, no fabric or one that is refused; or no room for the answer"},
+};
 
 }  // namespace kvrctl
