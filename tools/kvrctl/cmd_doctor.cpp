@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "columns.h"
 #include "command.h"
 #include "findings.h"
 #include "library.h"
@@ -16,21 +17,20 @@ Json JsonOf(const Finding &finding, std::size_t number) {
           {"means", finding.means}, {"next", finding.next}};
 }
 
-std::string DrawFinding(const Json &finding) {
-  std::string text =
-      Line("{}. {}{}", finding.at("number").get<std::size_t>(), Shown(finding.at("code")),
-           finding.at("wrong").get<bool>() ? "" : ", which can't be judged");
-  text += Line("   hosts: {}", ShownList(finding.at("hosts")));
-  if (!finding.at("slots").empty()) text += Line("   slots: {}", Shown(finding.at("slots")));
-  text += Line("   found: {}", Shown(finding.at("found")));
-  text += Line("   means: {}", Shown(finding.at("means")));
-  return text + Line("   next:  {}", Shown(finding.at("next")));
+std::string DrawFinding(const Json &finding, const Screen &screen) {
+  std::vector<Row> rows = {{{"hosts"}, {ShownList(finding.at("hosts"))}}};
+  if (!finding.at("slots").empty()) rows.push_back({{"slots"}, {Shown(finding.at("slots"))}});
+  for (const char *key : {"found", "means", "next"})
+    rows.push_back({{key}, {Shown(finding.at(key))}});
+  return Line("{}. {}{}", Shown(finding.at("number")), Shown(finding.at("code")),
+              finding.at("wrong").get<bool>() ? "" : " (can't be judged)") +
+         Columns({}, rows, screen) + '\n';
 }
 
-std::string DrawDoctor(const Json &result, const Screen &) {
+std::string DrawDoctor(const Json &result, const Screen &screen) {
   std::string text;
   for (const Json &finding : result.at("findings"))
-    text += DrawFinding(finding) + '\n';
+    text += DrawFinding(finding, screen);
   const auto tables = result.at("tables").get<std::size_t>();
   const std::string read = fmt::format("{} {} read", tables, tables == 1 ? "table" : "tables");
   if (result.at("healthy").get<bool>()) return text + Line("Nothing is wrong; {}.", read);

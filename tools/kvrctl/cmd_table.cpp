@@ -9,6 +9,7 @@
 #include "kvrapi/kvrapi.h"
 
 #include "adapters.h"
+#include "columns.h"
 #include "command.h"
 #include "fabric/platform_files.h"
 #include "no_network.h"
@@ -115,35 +116,38 @@ std::string OddText(const Json &position) {
     add("reserved words", position.at("reserved_words"));
   }
   if (position.at("key_length") != KVR_KEY_LENGTH) add("key length", position.at("key_length"));
-  return text;
+  return text.empty() ? "-" : text;
 }
 
-std::string DrawPositions(const Json &positions) {
+std::string DrawPositions(const Json &positions, const Screen &screen) {
   if (positions.empty()) return "No position is in use.\n";
   const bool keys = positions.front().contains("key");
-  std::vector<std::vector<std::string>> rows = {{"POSITION", "ACCESS", keys ? "KEY" : "", ""}};
+  std::vector<std::string> labels = {"POSITION", "ACCESS", "ALSO"};
+  if (keys) labels.emplace_back("KEY");
+  std::vector<Row> rows;
   for (const Json &position : positions) {
-    rows.push_back({Shown(position.at("position")), AccessText(position),
-                    keys ? Shown(position.at("key")) : "", OddText(position)});
+    Row &row = rows.emplace_back();
+    row = {{Shown(position.at("position"))}, {AccessText(position)}, {OddText(position)}};
+    if (keys) row.push_back({Shown(position.at("key"))});
   }
-  return Columns(rows);
+  return Columns(labels, rows, screen);
 }
 
 std::string NameText(const Json &names, const char *name, const char *ended) {
   return Shown(names.at(name)) + (names.at(ended).get<bool>() ? "" : " (without an end)");
 }
 
-std::string DrawTable(const Json &table, const Screen &) {
+std::string DrawTable(const Json &table, const Screen &screen) {
   const Json &names = table.at("names");
-  return Columns({{"source", Shown(table.at("source"))},
-                  {"fingerprint", Shown(table.at("fingerprint"))},
-                  {"format", Shown(table.at("format").at("id"))},
-                  {"revision", Shown(table.at("format").at("revision"))},
-                  {"configuration", Shown(table.at("config_id"))},
-                  {"name", NameText(names, "ascii", "ascii_ended")},
-                  {"UTF-16 name", NameText(names, "wide", "wide_ended")},
-                  {"keys", Shown(table.at("keys").at("fingerprint"))}}) +
-         '\n' + DrawPositions(table.at("positions"));
+  const std::vector<Row> head = {{{"source"}, {Shown(table.at("source"))}},
+                                 {{"fingerprint"}, {Shown(table.at("fingerprint"))}},
+                                 {{"format"}, {Shown(table.at("format").at("id"))}},
+                                 {{"revision"}, {Shown(table.at("format").at("revision"))}},
+                                 {{"configuration"}, {Shown(table.at("config_id"))}},
+                                 {{"name"}, {NameText(names, "ascii", "ascii_ended")}},
+                                 {{"UTF-16 name"}, {NameText(names, "wide", "wide_ended")}},
+                                 {{"keys"}, {Shown(table.at("keys").at("fingerprint"))}}};
+  return Columns({}, head, screen) + '\n' + DrawPositions(table.at("positions"), screen);
 }
 
 Outcome Dump(const std::string &name, const Detail &detail) {
