@@ -5,11 +5,12 @@
 _kvrctl_command() {
   below='' options='-h --help --version --fabric --host --output --trace' arguments=() more=0
   case $1 in
-    '') below='fabric acg group backup status slots hosts tree create destroy handover takeover can-remove can-handover switch-access renew-keys sync batch help' ;;
+    '') below='fabric acg group backup table status slots hosts tree create destroy handover takeover can-remove can-handover switch-access renew-keys sync doctor batch help' ;;
     'fabric') below='new show set' ;;
     'acg') below='add remove' ;;
     'group') below='create delete add-server remove-server rename set-reserve set-client list show available' ;;
     'backup') below='add remove list' ;;
+    'table') below='dump diff' ;;
     'fabric new')
       options='--hosts --seed -h --help --version --fabric --host --output --trace' arguments=('folders') more=0
       ;;
@@ -102,6 +103,15 @@ _kvrctl_command() {
       ;;
     'sync')
       options='--dry-run -h --help --version --fabric --host --output --trace' arguments=() more=0
+      ;;
+    'doctor')
+      options='-x --only-wrong -h --help --version --fabric --host --output --trace' arguments=() more=0
+      ;;
+    'table dump')
+      options='--all --keys -h --help --version --fabric --host --output --trace' arguments=('') more=0
+      ;;
+    'table diff')
+      options='--all -h --help --version --fabric --host --output --trace' arguments=('' '') more=0
       ;;
     'batch')
       options='--dry-run --yes --keep-going --from -h --help --version --fabric --host --output --trace' arguments=('files') more=0
