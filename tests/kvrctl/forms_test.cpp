@@ -92,7 +92,7 @@ class Forms : public FabricFolder {
     return std::regex_replace(text, std::regex("\\s+"), " ");
   }
 
-  // Notes the facts that are not in the text; what the tree draws as nesting it writes not as paths.
+  // Notes the facts that are not in the text; the tree draws as nesting what else is a path.
   void Seek(const std::string &text, const Json &facts) {
     if (facts.is_structured()) {
       for (const auto &[key, value] : facts.items())
@@ -140,6 +140,10 @@ h1 0 backup list
 h7 0 backup list
 h1 0 fabric show
 h1 0 fabric set h6 --down
+h1 1 doctor
+h5 1 doctor -x
+h1 0 table dump h2 --all
+h1 1 table diff h2 h3
 h1 0 can-remove h5
 h1 1 can-remove h3
 h1 0 can-handover h7
@@ -185,16 +189,25 @@ std::vector<Line> Lines(const std::string &text) {
 }
 
 TEST_F(Forms, SayTheSameFactsAndADryRunWritesNothing) {
-  for (const Line &line : Lines(kReaders)) {
+  const std::string path = folder.Path().generic_string();
+  const auto readers = Lines(kReaders + ("\nh1 0 fabric new " + path + "/lab --hosts 3"));
+  for (const Line &line : readers) {
     SCOPED_TRACE(line.command);
     ExpectSameFacts(line);
     EXPECT_EQ(changed, std::set<std::string>());
   }
-  const std::string batch = (folder.Path() / "day.batch").generic_string();
-  for (const Line &line : Lines(kChanges + ("h1 0 batch --yes " + batch))) {
+  const auto changes = Lines(kChanges + ("h1 0 batch --yes " + path + "/day.batch"));
+  for (const Line &line : changes) {
     SCOPED_TRACE(line.command);
     ExpectSameFacts(line);
     ExpectDry(line);
+  }
+  for (const Json &command : ResultOf("h1", "help")["commands"]) {
+    const std::string words = " " + command["words"].get<std::string>();
+    const auto begins = [&](const Line &line) { return line.command.starts_with(words); };
+    const bool changing = command["effect"] != "reads";
+    EXPECT_TRUE(std::ranges::any_of(changing ? changes : readers, begins) || words == " help")
+        << "no line for" << words;
   }
 }
 

@@ -1,5 +1,5 @@
-// docs/tour.md is run: every command in it by kvrctl, and what it prints must be what the page says.
-// With KVR_TOUR_UPDATE set, the page is written anew instead.
+// docs/tour.md is run: every command in it by kvrctl, and what it prints must be what the page
+// says. With KVR_TOUR_UPDATE set, the page is written anew instead.
 #include <fstream>
 #include <regex>
 #include <thread>

@@ -157,9 +157,10 @@ Outcome Dump(const std::string &name, const Detail &detail) {
 }
 
 std::string DrawDifferences(const Json &result, const Screen &screen) {
-  const Json &differences = result.at("differences");
-  if (differences.empty()) return "The tables are equal byte by byte.\n";
-  return AsTable({{"field", "FIELD"}, {"a", "A"}, {"b", "B"}}, "")(differences, screen);
+  const std::string heading =
+      Line("A is {}, B is {}.", Shown(result.at("a")), Shown(result.at("b")));
+  return heading + AsTable({{"field", "FIELD"}, {"a", "A"}, {"b", "B"}},
+                           "The tables are equal byte by byte.")(result.at("differences"), screen);
 }
 
 Outcome Diff(const std::string &a, const std::string &b, bool all) {

@@ -27,8 +27,8 @@ class CommandLine {
   CommandLine(const CommandLine &) = delete;
   CommandLine &operator=(const CommandLine &) = delete;
 
-  // Reads the words. Throws CLI::Success where only help or the version was asked for, Failure where
-  // the line is not understood.
+  // Reads the words. Throws CLI::Success where only help or the version was asked for, Failure
+  // where the line is not understood.
   void Read(const std::vector<std::string> &words);
 
   // The words of the command as far as they were recognized.

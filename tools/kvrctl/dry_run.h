@@ -16,8 +16,8 @@ class DryRun {
   DryRun &operator=(const DryRun &) = delete;
   ~DryRun();
 
-  // Where a dry run has begun: returns when the network that the library has opened keeps its writes
-  // in memory. Throws Failure where it does not, as with adapter libraries of a vendor.
+  // Where a dry run has begun: returns when the network that the library has opened keeps its
+  // writes in memory. Throws Failure where it does not, as with adapter libraries of a vendor.
   static void RequireOverlay();
 
   // The outcome of the command with the tables that it would have written.

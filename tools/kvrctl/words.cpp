@@ -41,8 +41,8 @@ class Reader {
     return line_[at_];
   }
 
-  // What stands between quotes; a backslash means something between double ones only, and there only
-  // before another or a quote.
+  // What stands between quotes; a backslash means something between double ones only, and there
+  // only before another or a quote.
   std::string Quoted(char quote) {
     std::string text;
     for (++at_; at_ < line_.size() && line_[at_] != quote; ++at_) {
