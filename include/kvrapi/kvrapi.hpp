@@ -147,8 +147,8 @@ class Group {
   [[nodiscard]] bool HasServerBelow(const System &system) const;
 
   // Makes a group below; else as Session::CreateGroup.
-  CreatedGroup CreateGroup(std::string_view name, const System &client,
-                           std::uint32_t reserve = 0) const;
+  [[nodiscard]] CreatedGroup CreateGroup(std::string_view name, const System &client,
+                                         std::uint32_t reserve = 0) const;
 
   // Gives it another name in both forms. That the client's table did not take it is not reported.
   void Rename(std::string_view name) const;
@@ -249,7 +249,8 @@ class Session {
   [[nodiscard]] SlotCount Slots() const;
 
   // name: at most 31 UTF-16 units; reserve: slots to set aside for groups below.
-  CreatedGroup CreateGroup(std::string_view name, const System &client, std::uint32_t reserve = 0);
+  [[nodiscard]] CreatedGroup CreateGroup(std::string_view name, const System &client,
+                                         std::uint32_t reserve = 0);
 };
 
 }  // namespace kvrapi

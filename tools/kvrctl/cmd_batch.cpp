@@ -17,9 +17,13 @@
 namespace kvrctl {
 namespace {
 
+constexpr char kStandardInput[] = "-";
+constexpr char kBlanks[] = " \t\r";
+constexpr std::uint32_t kMostLines = 1000000000;
+
 struct BatchRequest {
   std::string file;
-  std::size_t from = 1;
+  std::uint32_t from = 1;
   bool keepGoing = false;
 };
 
@@ -37,7 +41,7 @@ Failure LineRefused(const Step &step, const Failure &why) {
 }
 
 std::string ReadAll(const std::string &file) {
-  if (file == "-") {
+  if (file == kStandardInput) {
     return {std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
   }
   if (auto content = fabric::ReadContent(fabric::PathOf(file))) return *content;
@@ -47,7 +51,7 @@ std::string ReadAll(const std::string &file) {
 }
 
 // What may stand in a shell but not here.
-void RequireFit(const Step &step, const Consent &consent) {
+void RequireFit(const Step &step, const BatchRequest &request, const Consent &consent) {
   const Commands &commands = step.line->commands;
   if (commands.chosen.description->alone) {
     throw LineRefused(step, {ExitStatus::Usage, "USAGE",
@@ -60,7 +64,7 @@ void RequireFit(const Step &step, const Consent &consent) {
   }
   const bool asks = commands.chosen.description->effect == Effect::Destroys &&
                     !commands.consent.yes && !consent.yes && !consent.dryRun;
-  if (asks && !Consent::CanAsk()) {
+  if (asks && (request.file == kStandardInput || !Consent::CanAsk())) {
     throw LineRefused(step,
                       {ExitStatus::Usage, "CONFIRMATION_NEEDED",
                        "it needs a confirmation, and there is no terminal to give it on.",
@@ -68,11 +72,14 @@ void RequireFit(const Step &step, const Consent &consent) {
   }
 }
 
-// Reads every line before the first is run, so that a slip of the pen stops nothing halfway.
-Step ReadStep(std::size_t number, const std::string &text, const Consent &consent) {
+// Reads a line's command before the first is run, so that a slip of the pen stops nothing halfway;
+// none where the line holds no command.
+std::optional<Step> ReadStep(std::size_t number, const std::string &text,
+                             const BatchRequest &request, const Consent &consent) {
   Step step{number, text, std::make_unique<CommandLine>(CommandLine::Place::Batch)};
   try {
     std::vector<std::string> words = SplitWords(text);
+    if (words.empty()) return std::nullopt;
     if (words.front() == "kvrctl") words.erase(words.begin());
     step.line->Read(words);
   } catch (const CLI::Success &) {
@@ -81,10 +88,16 @@ Step ReadStep(std::size_t number, const std::string &text, const Consent &consen
   } catch (const Failure &refusal) {
     throw LineRefused(step, refusal);
   }
-  RequireFit(step, consent);
+  RequireFit(step, request, consent);
   step.line->commands.consent.yes |= consent.yes;
   step.line->commands.consent.dryRun = consent.dryRun;
   return step;
+}
+
+std::string Trimmed(const std::string &text) {
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string::npos) return "";
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::vector<Step> ReadSteps(const BatchRequest &request, const Consent &consent) {
@@ -92,81 +105,116 @@ std::vector<Step> ReadSteps(const BatchRequest &request, const Consent &consent)
   std::istringstream lines(ReadAll(request.file));
   std::size_t number = 0;
   for (std::string text; std::getline(lines, text);) {
-    if (!text.empty() && text.back() == '\r') text.pop_back();
     if (++number < request.from) continue;
-    const std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos || text[first] == '#') continue;
-    steps.push_back(ReadStep(number, text.substr(first), consent));
+    auto step = ReadStep(number, Trimmed(text), request, consent);
+    if (step) steps.push_back(std::move(*step));
+  }
+  if (request.from > 1 && request.from > number) {
+    throw Failure(
+        ExitStatus::Usage, "USAGE",
+        fmt::format("There is no line {} in the file, which has {}.", request.from, number),
+        "Give --from the number of one of its lines.");
   }
   return steps;
 }
 
-std::string DrawSteps(const std::vector<Drawing> &drawings, const Json &result,
-                      const Screen &screen) {
-  std::string text;
-  const Json &lines = result.at("lines");
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    const Json &line = lines[i];
-    text += Line("{}: {}", Shown(line.at("line")), Shown(line.at("text")));
-    std::string answer;
-    if (line.contains("result") && drawings[i])
-      answer = drawings[i](line.at("result"), Inset(screen));
-    for (const Json &note : line.value("notes", Json::array()))
-      answer += Line("{}", Shown(note));
-    if (line.contains("error")) answer += Line("{}", Shown(line.at("error").at("message")));
-    text += Indented(answer);
-  }
-  return text + Line("Commands done: {}; failed: {}; not run: {}.", Shown(result.at("done")),
-                     Shown(result.at("failed")), Shown(result.at("not_run")));
+// A line with its answer, for people.
+std::string DrawStep(const Json &line, const Drawing &drawing, const Screen &screen) {
+  std::string answer;
+  if (line.contains("result") && drawing) answer = drawing(line.at("result"), Inset(screen));
+  for (const Json &note : line.value("notes", Json::array()))
+    answer += Line("{}", Shown(note));
+  if (line.contains("error")) answer += FailureText(line.at("error"));
+  return Line("{}: {}", Shown(line.at("line")), Shown(line.at("text"))) + Indented(answer);
 }
 
+std::string DrawSummary(const Json &result) {
+  return Line("Commands done: {}; failed: {}; not run: {}.", Shown(result.at("done")),
+              Shown(result.at("failed")), Shown(result.at("not_run")));
+}
+
+// Where a batch that stopped is gone on with: at the line that failed, or behind it where what is
+// left of that line has a command of its own.
+std::string WayOn(const BatchRequest &request, const Consent &consent,
+                  const std::vector<Step> &steps, std::size_t failed, bool behind) {
+  if (behind && failed + 1 == steps.size()) return "";
+  std::vector<std::string> command = {"kvrctl", "batch"};
+  if (consent.yes) command.emplace_back("--yes");
+  command.insert(command.end(),
+                 {"--from", std::to_string(steps[failed + (behind ? 1 : 0)].number)});
+  return fmt::format(" To go on {}: `{}`.", behind ? "behind that line" : "from there",
+                     CommandText(Naming(std::move(command), {request.file})));
+}
+
+// A step's place among the steps and what it failed in.
+struct FirstFailure {
+  std::size_t step;
+  Failure failure;
+};
+
 // The batch fails as its first failure does, or in part where something was done.
-Failure BatchFailure(const BatchRequest &request, const Step &step, const Failure &first,
-                     const Json &result) {
-  Failure failure = first;
-  failure.message = fmt::format("Line {} failed: {}", step.number, first.message);
-  if (result["done"] != 0) failure.status = ExitStatus::Partial;
-  if (!request.keepGoing && request.file != "-") {
-    const auto retry =
-        Naming({"kvrctl", "batch", "--from", std::to_string(step.number)}, {request.file});
-    failure.hint += fmt::format(" To go on from there: `{}`.", CommandText(retry));
+Failure BatchFailure(const BatchRequest &request, const Consent &consent,
+                     const std::vector<Step> &steps, const FirstFailure &first, bool anyDone) {
+  Failure failure = first.failure;
+  failure.message =
+      fmt::format("Line {} failed: {}", steps[first.step].number, first.failure.message);
+  if (anyDone) failure.status = ExitStatus::Partial;
+  if (!request.keepGoing && request.file != kStandardInput) {
+    failure.retry += WayOn(request, consent, steps, first.step, !failure.retry.empty());
   }
   return failure;
 }
 
-Outcome RunSteps(const BatchRequest &request, const std::vector<Step> &steps) {
-  Progress progress("Running the batch", steps.size());
+// What the lines answered.
+struct Answers {
   Json lines = Json::array();
   std::vector<Drawing> drawings;
-  const Step *failedStep = nullptr;
-  std::optional<Failure> first;
+  std::optional<FirstFailure> first;
   std::size_t failed = 0;
-  Outcome outcome;
-  for (const Step &step : steps) {
-    progress.Step(step.text);
-    const Outcome done = Run(step.line->commands.chosen);
-    Json record = {
-        {"line", step.number}, {"text", step.text}, {"command", step.line->commands.chosen.name}};
-    record.update(OutcomeJson(done));
-    lines.push_back(std::move(record));
-    drawings.push_back(done.draw);
-    outcome.unhealthy |= done.unhealthy;
-    if (!done.failure) continue;
-    ++failed;
-    if (!first) {
-      first = done.failure;
-      failedStep = &step;
-    }
-    if (!request.keepGoing) break;
+  bool unhealthy = false;
+};
+
+void RunStep(const Step &step, std::size_t place, Answers &answers, const Listener &listener) {
+  const Outcome done = Run(step.line->commands.chosen);
+  Json record = {
+      {"line", step.number}, {"text", step.text}, {"command", step.line->commands.chosen.name}};
+  record.update(OutcomeJson(done));
+  if (listener) listener(DrawStep(record, done.draw, OutputScreen()));
+  answers.lines.push_back(std::move(record));
+  answers.drawings.push_back(done.draw);
+  answers.unhealthy |= done.unhealthy;
+  if (!done.failure) return;
+  ++answers.failed;
+  if (!answers.first) answers.first = {place, *done.failure};
+}
+
+// Where there is a listener, it hears each line's answer when it is given, so that what was done is
+// known however the run ends.
+Outcome RunSteps(const BatchRequest &request, const std::vector<Step> &steps,
+                 const Commands &commands) {
+  Progress progress("Running the batch", steps.size());
+  Answers answers;
+  for (std::size_t place = 0; place < steps.size(); ++place) {
+    progress.Step(steps[place].text);
+    RunStep(steps[place], place, answers, commands.listener);
+    if (answers.failed > 0 && !request.keepGoing) break;
   }
-  outcome.result = {{"done", lines.size() - failed},
-                    {"failed", failed},
-                    {"not_run", steps.size() - lines.size()},
-                    {"lines", lines}};
-  outcome.draw = [drawings](const Json &result, const Screen &screen) {
-    return DrawSteps(drawings, result, screen);
+  const std::size_t done = answers.lines.size() - answers.failed;
+  Outcome outcome = {{{"done", done},
+                      {"failed", answers.failed},
+                      {"not_run", steps.size() - answers.lines.size()},
+                      {"lines", answers.lines}}};
+  outcome.draw = [drawings = answers.drawings, told = commands.listener != nullptr](
+                     const Json &result, const Screen &screen) {
+    std::string text;
+    for (std::size_t i = 0; i < drawings.size() && !told; ++i)
+      text += DrawStep(result.at("lines")[i], drawings[i], screen);
+    return text + DrawSummary(result);
   };
-  if (first) outcome.failure = BatchFailure(request, *failedStep, *first, outcome.result);
+  outcome.unhealthy = answers.unhealthy;
+  if (answers.first) {
+    outcome.failure = BatchFailure(request, commands.consent, steps, *answers.first, done > 0);
+  }
   return outcome;
 }
 
@@ -186,13 +234,13 @@ void AddBatchCommand(CLI::App &app, Commands &commands) {
       "batch, "
       "and its hint names the command that goes on from there; --keep-going goes on at once.",
       "batch --dry-run plan.txt"};
-  CLI::App *batch = AddCommand(app, description, commands, [asked, &consent = commands.consent] {
-    return RunSteps(*asked, ReadSteps(*asked, consent));
+  CLI::App *batch = AddCommand(app, description, commands, [asked, &commands] {
+    return RunSteps(*asked, ReadSteps(*asked, commands.consent), commands);
   });
   batch->add_option("FILE", asked->file, "The file, or - for standard input")->required();
   batch->add_flag("--keep-going", asked->keepGoing, "Go on past a command that fails");
   batch->add_option("--from", asked->from, "The number of the line to begin with")
-      ->check(CLI::PositiveNumber)
+      ->check(CLI::Range(std::uint32_t{1}, kMostLines))
       ->capture_default_str();
 }
 

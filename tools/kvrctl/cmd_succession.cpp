@@ -57,7 +57,11 @@ Outcome HandOver(const std::string &name, const Consent &consent) {
                      }};
   if (!fromMsc) outcome.notes.emplace_back(kFormerMsc);
   // The library does not tell whether this host's adapter took the table of a plain member.
-  if (!ReadLocalSlot().is_null()) {
+  if (!CanReadLocalTable()) {
+    outcome.notes.emplace_back(
+        "Whether this host's own table took it could not be checked: run `kvrctl status` here when "
+        "its adapter answers again, and nothing else before.");
+  } else if (!ReadLocalSlot().is_null()) {
     outcome.failure = Failure("Storing this host's table", KVR_ERR_LOCAL_WRITE_FAILED);
     outcome.failure->status = ExitStatus::Partial;
     outcome.failure->hint = fmt::format(

@@ -52,11 +52,15 @@ struct Chosen {
   std::function<Outcome()> run;
 };
 
+// Takes a part of a command's text before its end; empty where the answer comes as a whole.
+using Listener = std::function<void(const std::string &text)>;
+
 // What the command line may say, and what it said. Stays where it is: the commands refer to it.
 struct Commands {
   std::map<const CLI::App *, Description> described;
   Chosen chosen;
   Consent consent;
+  Listener listener;
 };
 
 // Adds a command below parent; when the command line names it, it is chosen. run is called after

@@ -1,8 +1,10 @@
 #include "dry_run.h"
 
 #include <cstdint>
+#include <fstream>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <utility>
 
 #include <fmt/format.h>
@@ -64,6 +66,7 @@ std::string Draw(const Drawing &inner, const Json &result, const Screen &screen)
 }  // namespace
 
 DryRun::DryRun() : report_(FreshFile()) {
+  if (!std::ofstream(report_)) throw std::runtime_error("no room for temporary files");
   const std::u8string name = report_.u8string();
   SetEnvironment(kOverlayVariable, {name.begin(), name.end()});
   g_report = &report_;
@@ -89,6 +92,7 @@ Outcome DryRun::Reported(Outcome outcome) const {
   outcome.result = {{"dry_run", true},
                     {"would_write", WritesIn(fabric::ReadContent(report_).value_or(""))},
                     {"result", outcome.result}};
+  if (outcome.failure) outcome.failure->retry.clear();  // it would go on for real
   outcome.draw = [inner = outcome.draw](const Json &result, const Screen &screen) {
     return Draw(inner, result, screen);
   };

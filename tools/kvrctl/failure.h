@@ -43,6 +43,7 @@ class Failure : public std::exception {
   std::string name;
   std::string message;  // a whole sentence: what was asked, the cause, the code
   std::string hint;     // a whole sentence: the way out
+  std::string retry;    // sentences behind it that name the command to go on with, or nothing
   std::vector<HostFailure> failedHosts;
 };
 

@@ -48,6 +48,7 @@ Outcome RenameGroup(const std::string &path, const std::string &name) {
   const std::string doing = "Renaming group " + group.path;
   Require(doing, [&] { group.group.Rename(name); });
   if (!StoresName(*group.client, name)) {
+    Library::Outdate();
     Failure failure(doing, KVR_ERR_REMOTE_ACCESS_FAILED, group.client->name);
     failure.failedHosts = {{group.client->name, KVR_ERR_REMOTE_ACCESS_FAILED}};
     AddRetry(failure, Naming({"kvrctl", "group", "rename"}, {path, name}));
@@ -74,6 +75,7 @@ Outcome RemoveServers(const std::string &path, const std::vector<std::string> &h
 
 void NoteUnstoredName(Outcome &outcome, const Host &client, const std::string &name) {
   if (StoresName(client, name)) return;
+  Library::Outdate();
   outcome.notes.push_back(fmt::format(
       "The group's name could not be stored in its client's table. To set it: `{}`.",
       CommandText(Naming({"kvrctl", "group", "rename"}, {ClientPath(client.name), name}))));

@@ -91,9 +91,14 @@ void AddMscChange(CLI::App &family, Commands &commands, const Description &descr
     const Library library;
     Wording wording = spoken;
     library.RequireAllHosts(wording.doing);
-    const Json hosts = NamesOf(library.HostsNamed(*names));
+    std::vector<const Host *> hosts = library.HostsNamed(*names);
     if (!sentence.empty()) {
-      consent.Require(fmt::format(fmt::runtime(sentence), Shown(hosts)), wording.command.back());
+      // What the library refuses whatever is answered is not asked for.
+      std::erase_if(hosts, [](const Host *host) { return !host->inAcg || host->holdsSlot; });
+      const std::string word = wording.command.back();
+      if (!hosts.empty()) {
+        consent.Require(fmt::format(fmt::runtime(sentence), Shown(NamesOf(hosts))), word);
+      }
       if (consent.yes) wording.command.emplace_back("--yes");
     }
     return ChangeHosts(library, *names, wording,
@@ -105,7 +110,7 @@ void AddMscChange(CLI::App &family, Commands &commands, const Description &descr
 }
 
 void AddRetry(Failure &failure, const std::vector<std::string> &command) {
-  failure.hint += fmt::format(" To retry: `{}`.", CommandText(command));
+  failure.retry += fmt::format(" To retry: `{}`.", CommandText(command));
 }
 
 std::vector<std::string> NamingFailed(std::vector<std::string> command,

@@ -17,6 +17,8 @@
 namespace kvrctl {
 namespace {
 
+bool g_isOutdated = false;  // the tables are known to differ from what the library holds
+
 // The library of this process, opened at the first call. In a dry run it is not used before it is
 // sure that nothing will be written.
 kvrapi::Session &OpenSession() {
@@ -73,7 +75,7 @@ const Group &OnlyGroup(const std::vector<const Group *> &found, const GroupPath 
 }  // namespace
 
 Library::Library() : session_(OpenSession()) {
-  if (!session_.HasDiscovered()) {
+  if (!session_.HasDiscovered() || std::exchange(g_isOutdated, false)) {
     Progress("Discovering the hosts").During([this] { session_.Discover(); });
     ForgetSystems();
   }
@@ -119,11 +121,19 @@ std::vector<const Host *> Library::Find(const std::vector<kvrapi::System> &syste
   return hosts;
 }
 
+void Library::Outdate() {
+  g_isOutdated = true;
+}
+
 void Library::RequireAllHosts(const std::string &doing) const {
   if (outsidersWithheld_) throw Failure(doing, KVR_ERR_NOT_MSC);
 }
 
 const Host &Library::HostNamed(const std::string &name) const {
+  if (name.empty()) {
+    throw Failure(ExitStatus::Usage, "NO_SUCH_HOST", "The name of a host is empty.",
+                  "Name one of the hosts that `kvrctl hosts` lists.");
+  }
   std::vector<const Host *> found;
   std::vector<std::string> candidates;
   for (const Host &host : hosts_) {

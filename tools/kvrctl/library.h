@@ -49,6 +49,10 @@ class Library {
   const std::vector<Host> &Hosts() const { return hosts_; }
   const std::vector<Group> &Groups() const { return groups_; }  // the top level
 
+  // Tells that a table did not take what the library took for written: the next picture discovers
+  // the hosts anew.
+  static void Outdate();
+
   // What a reader of its host lists and counts must know; mostly nothing.
   std::vector<std::string> Notes() const;
 

@@ -25,12 +25,12 @@ void ApplyGlobals(const Globals &globals) {
 
 // The form asked for, found without the parser: its refusals come in that form too.
 Form FormIn(const std::vector<std::string> &arguments) {
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");  // no option behind it
   const auto split = std::adjacent_find(
-      arguments.begin(), arguments.end(),
+      arguments.begin(), end,
       [](const std::string &a, const std::string &b) { return a == "--output" && b == "json"; });
-  const bool joined =
-      std::find(arguments.begin(), arguments.end(), "--output=json") != arguments.end();
-  return split != arguments.end() || joined ? Form::ForPrograms : Form::ForPeople;
+  const bool joined = std::find(arguments.begin(), end, "--output=json") != end;
+  return split != end || joined ? Form::ForPrograms : Form::ForPeople;
 }
 
 Outcome RunChosen(const Commands &commands) {
@@ -61,6 +61,8 @@ int Run(int argc, char **argv) {
     return static_cast<int>(Render(form, line.WordsRead(), refusal));
   }
   ApplyGlobals(line.globals);
+  if (form == Form::ForPeople && !line.commands.consent.dryRun)
+    line.commands.listener = WriteBeforehand;
   return static_cast<int>(Render(form, line.commands.chosen.name, RunChosen(line.commands)));
 }
 

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "progress.h"
+
 namespace kvrctl {
 namespace {
 
@@ -16,7 +18,7 @@ Json ErrorJson(const Failure &failure) {
   return {{"code", failure.code == 0 ? Json() : Json(failure.code)},
           {"name", failure.name},
           {"message", failure.message},
-          {"hint", failure.hint},
+          {"hint", failure.hint + failure.retry},
           {"failed_hosts", failedHosts}};
 }
 
@@ -34,8 +36,8 @@ void WriteText(const Outcome &outcome) {
   Write(stdout, ResultText(outcome, OutputScreen()));
   if (!outcome.failure) return;
   std::fflush(stdout);
-  Write(stderr,
-        Painted("kvrctl:", kAlarmStyle, ErrorScreen()) + ' ' + FailureText(*outcome.failure));
+  Write(stderr, Painted("kvrctl:", kAlarmStyle, ErrorScreen()) + ' ' +
+                    FailureText(ErrorJson(*outcome.failure)));
 }
 
 }  // namespace
@@ -56,15 +58,21 @@ std::string ResultText(const Outcome &outcome, const Screen &screen) {
   return text;
 }
 
-std::string FailureText(const Failure &failure) {
-  std::string text = Line("{}", failure.message);
-  if (failure.failedHosts.size() > 1) {
-    for (const HostFailure &failed : failure.failedHosts) {
-      const kvrapi::CodeText &why = kvrapi::TextOf(failed.code);
-      text += "  " + Line("{}: {} ({} {})", failed.host, why.meaning, failed.code, why.name);
-    }
+std::string FailureText(const Json &error) {
+  std::string text = Line("{}", Shown(error.at("message")));
+  const Json &failedHosts = error.at("failed_hosts");
+  for (const Json &failed : failedHosts) {
+    if (failedHosts.size() == 1) break;  // the sentence tells of it
+    const kvrapi::CodeText &why = kvrapi::TextOf(failed.at("code").get<std::uint32_t>());
+    text += Line("  {}: {} ({} {})", Shown(failed.at("host")), why.meaning, why.code, why.name);
   }
-  return text + "  " + Line("{}", failure.hint);
+  return text + Line("  {}", Shown(error.at("hint")));
+}
+
+void WriteBeforehand(const std::string &text) {
+  Progress::Clear();
+  Write(stdout, text);
+  std::fflush(stdout);
 }
 
 ExitStatus Render(Form form, const std::string &command, const Outcome &outcome) {

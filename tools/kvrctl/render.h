@@ -16,8 +16,12 @@ Json OutcomeJson(const Outcome &outcome);
 // An outcome's result and notes for people, in whole lines.
 std::string ResultText(const Outcome &outcome, const Screen &screen);
 
-// A failure for people: the sentence, the hosts that failed where they are several, the way out.
-std::string FailureText(const Failure &failure);
+// The "error" of an outcome for people: the sentence, the hosts that failed where they are several,
+// the way out.
+std::string FailureText(const Json &error);
+
+// Writes a part of a text for people before the command's end.
+void WriteBeforehand(const std::string &text);
 
 // Writes an outcome: for people, the result on standard output and a failure on standard error; for
 // programs, one object on standard output. Returns the exit status; NothingToTalkTo where standard

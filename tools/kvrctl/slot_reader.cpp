@@ -80,6 +80,10 @@ kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group) {
   return group.group.Slots();
 }
 
+bool CanReadLocalTable() {
+  return ReadLocalTable() != nullptr;
+}
+
 Json ReadLocalSlot() {
   const auto table = ReadLocalTable();
   if (table == nullptr) return {};

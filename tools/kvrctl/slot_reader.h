@@ -47,6 +47,9 @@ bool CanBeRead(const Host &host);
 // The count for a group. Throws Failure (5012, 5019) where it could not be read.
 kvrapi::SlotCount CountSlotsBelow(const Library &library, const Group &group);
 
+// Whether this host's own table can be read.
+bool CanReadLocalTable();
+
 // The slot that this host holds; null where it holds none or its adapter does not answer.
 Json ReadLocalSlot();
 
