@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 #include <sstream>
 
@@ -59,6 +60,15 @@ class FabricFolder : public testing::Test {
 
   [[nodiscard]] Json ResultOf(const std::string &host, const std::string &command) const {
     return Ask(host, command).value("result", Json());
+  }
+
+  // Changes the host's first key. No key has a zero byte, so that renewed ones differ from it also
+  // within the second in which it was made.
+  void SpoilKey(const std::string &host) const {
+    std::fstream(folder.Path() / "tables" / (host + ".satable"),
+                 std::ios::in | std::ios::out | std::ios::binary)
+        .seekp(offsetof(SaTable, entries) + offsetof(SaEntry, key.keyMaterial))
+        .put('\0');
   }
 
   // Expects every stored image to have the size of one, and returns how many there are.

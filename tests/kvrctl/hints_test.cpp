@@ -1,7 +1,5 @@
 // What is told beside a change: this host's own share of it, names kept whole, and ways out that a
 // shell can follow.
-#include <fstream>
-
 #include "fabric_folder.h"
 
 namespace {
@@ -17,10 +15,7 @@ class Hints : public FabricFolder {
 };
 
 TEST_F(Hints, TellWhatThisHostsTableRefused) {
-  // No key has a zero byte, so the new ones differ from it also within the second of the creation.
-  std::fstream(folder.Path() / "tables" / "h1.satable", std::ios::in | std::ios::out)
-      .seekp(offsetof(SaTable, entries) + offsetof(SaEntry, key.keyMaterial))
-      .put('\0');
+  SpoilKey("h1");
   network.faults = {{"h1", {}, "TQ_WriteSaTable", 1, {}},
                     {"h2", {}, "TQ_WriteAccessControlTable", 1, {}}};
   Save();

@@ -77,8 +77,9 @@ const char *EffectWord(Effect effect) {
 // itself, described in its file, may name this host too.
 Json Completes(const CLI::Option &option, bool simulated) {
   static const std::map<std::string, std::string> kinds = {
-      {"HOST", "hosts"}, {"PATH", "groups"}, {"GROUP", "groups"},
-      {"FILE", "files"}, {"DIR", "folders"}, {"COMMAND", "commands"}};
+      {"HOST", "hosts"}, {"HOST|FILE", "hosts"}, {"A", "hosts"},
+      {"B", "hosts"},    {"PATH", "groups"},     {"GROUP", "groups"},
+      {"FILE", "files"}, {"DIR", "folders"},     {"COMMAND", "commands"}};
   const auto kind = kinds.find(ValueWord(option));
   if (kind == kinds.end()) return {};
   return simulated && kind->second == "hosts" ? "described-hosts" : kind->second;

@@ -57,7 +57,7 @@ std::string MeaningOf(const Json &item) {
 
 std::string EffectOf(const Json &command) {
   const std::string effect = command.at("effect");
-  std::string text = effect == "reads" ? "Changes no table of any host."
+  std::string text = effect == "reads" ? "Changes no table by itself."
                      : effect == "changes"
                          ? "Changes tables of hosts."
                          : "Changes tables of hosts, and asks before it takes something away.";
