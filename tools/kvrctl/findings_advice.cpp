@@ -56,7 +56,27 @@ std::string OnMscWithin(const View &view) {
   return "on " + (view.mscs.size() == 1 ? view.mscs.front()->host->name : "the MSC");
 }
 
+std::string AwaitMsc(const View &view) {
+  std::vector<std::string> backups;
+  for (const Member *backup : view.backups)
+    backups.push_back(backup->host->name);
+  return fmt::format(
+      "Bring the MSC back into reach, or run `kvrctl takeover` on {}, and run `kvrctl doctor` "
+      "again: without the MSC's table it can't be told whether this one is sound.",
+      backups.empty()       ? "a backup MSC"
+      : backups.size() == 1 ? backups.front()
+                            : "one of " + Listed(backups));
+}
+
+std::string AwaitUnread(const View &view) {
+  return fmt::format(
+      "Bring {} back into reach first, and run `kvrctl doctor` again: the host above may be among "
+      "them.",
+      Listed(view.unread));
+}
+
 std::string Readmission(const View &view, const Member &member) {
+  if (view.mscs.empty()) return AwaitMsc(view);
   const std::vector<std::string> name = {member.host->name};
   const std::string out = Command({"kvrctl", "acg", "remove"}, name);
   const std::string in = Command({"kvrctl", "acg", "add"}, name);
@@ -71,7 +91,9 @@ std::string Readmission(const View &view, const Member &member) {
                        Command({"kvrctl", "backup", "remove"}, name), out,
                        Command({"kvrctl", "backup", "add"}, name));
   }
-  if (member.slot && !view.HasParent(member)) return RemovalByHand({member.host->name});
+  if (member.slot && !view.HasParent(member)) {
+    return view.unread.empty() ? RemovalByHand({member.host->name}) : AwaitUnread(view);
+  }
   if (member.slot) {
     return fmt::format(
         "{} hand its group to another host with {}, then run {} and {}: the table is written anew, "
@@ -98,6 +120,7 @@ std::string RemovalByHand(const std::vector<std::string> &hosts) {
 }
 
 std::string ReserveAnew(const View &view, const std::vector<const Member *> &clients) {
+  if (view.mscs.empty()) return AwaitMsc(view);
   const auto resized = [&clients](bool onlyUsed) {
     std::vector<std::string> commands;
     for (const Member *client : clients) {

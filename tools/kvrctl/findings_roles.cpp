@@ -70,7 +70,9 @@ void CheckHolders(const View &view, Findings &findings) {
                         {slot},
                         fmt::format("{} each hold slot {}.", Listed(names), slot),
                         "A slot stands for one client: whoever serves it lets all of them in.",
-                        "Keep the one that it was meant for. " + RemovalByHand({"HOST"})});
+                        view.mscs.empty()
+                            ? AwaitMsc(view)
+                            : "Keep the one that it was meant for. " + RemovalByHand({"HOST"})});
   }
 }
 
@@ -88,7 +90,7 @@ void CheckOwnSlots(const View &view, Findings &findings) {
                         own,
                         fmt::format("{} calls {} its own.", name, SlotText(own)),
                         "Every reader takes the highest, and the others are lost.",
-                        RemovalByHand({name})});
+                        view.mscs.empty() ? AwaitMsc(view) : RemovalByHand({name})});
   }
 }
 
