@@ -108,6 +108,14 @@ std::string Readmission(const View &view, const Member &member) {
       OnMsc(view), out, in);
 }
 
+std::string MscStays(const Member &msc) {
+  return fmt::format(
+      "Keep the table of {}: it is the MSC's, and says who has which slot. No command takes such a "
+      "mark out of it, and a handover copies it along: it stays until the configuration is made "
+      "anew with `kvrctl destroy` and `kvrctl create`.",
+      msc.host->name);
+}
+
 std::string RemovalByHand(const std::vector<std::string> &hosts) {
   std::vector<std::string> files;
   for (const std::string &host : hosts)

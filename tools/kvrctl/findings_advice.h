@@ -35,6 +35,9 @@ std::string AwaitUnread(const View &view);
 // How a member gets a new table, by the role that it has now: with commands where some do it.
 std::string Readmission(const View &view, const Member &member);
 
+// What is left to do about marks in the MSC's own table, which is never to be removed.
+std::string MscStays(const Member &msc);
+
 // How a table is removed where no command does that.
 std::string RemovalByHand(const std::vector<std::string> &hosts);
 
