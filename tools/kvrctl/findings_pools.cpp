@@ -48,6 +48,7 @@ void CheckLost(const View &view, Findings &findings) {
     lost.insert(lost.end(), pool.lostReserve.begin(), pool.lostReserve.end());
     if (lost.empty()) continue;
     std::sort(lost.begin(), lost.end());
+    lost.erase(std::unique(lost.begin(), lost.end()), lost.end());
     const std::string &name = pool.host->name;
     findings.push_back({"SLOT_LOST",
                         {name},
@@ -80,8 +81,12 @@ std::string NextForForgotten(const View &view, const Member &client) {
   const bool deletable =
       std::any_of(delegators.begin(), delegators.end(), [](const Member *one) { return one->msc; });
   if (!deletable) return RemovalByHand({name});
-  return fmt::format("{} run {}, and create the group again.", OnMsc(view),
-                     Command({"kvrctl", "group", "delete"}, {ClientPath(name)}));
+  const bool above =
+      !SlotsWhere([&](std::uint32_t slot) { return client.Has(ACE_CHILD, slot); }).empty();
+  return fmt::format(
+      "{} {}run {}, and create the group again.", OnMsc(view),
+      above ? "delete the groups below that of " + name + ", the lowest first, then " : "",
+      Command({"kvrctl", "group", "delete"}, {ClientPath(name)}));
 }
 
 void CheckForgotten(const View &view, Findings &findings) {

@@ -52,7 +52,11 @@ void CheckNoMsc(const View &view, Findings &findings) {
       {"NO_MSC",
        backups,
        {},
-       fmt::format("None of the {} tables of the configuration is an MSC's.", view.members.size()),
+       view.members.size() == 1
+           ? fmt::format("The one table of the configuration, that of {}, is no MSC's.",
+                         view.members.front().host->name)
+           : fmt::format("None of the {} tables of the configuration is an MSC's.",
+                         view.members.size()),
        "Nobody can change members, keys or top-level groups, and what the MSC has "
        "given out can't be judged here.",
        NextWithoutMsc(backups)});
