@@ -82,9 +82,12 @@ std::string Readmission(const View &view, const Member &member) {
   const std::string in = Command({"kvrctl", "acg", "add"}, name);
   if (member.msc) {
     return fmt::format(
-        "Hand the role to a backup MSC with `kvrctl handover HOST`, then run {} and {} on that "
-        "one: the table is written anew.",
-        out, in);
+        "{} the role to {} with `kvrctl handover HOST`, then run {} and {} on that one: the table "
+        "is written anew. A handover copies the access words, so that damage in those stays: no "
+        "command mends it.",
+        view.backups.empty() ? "Make a host a backup MSC with `kvrctl backup add HOST`, hand"
+                             : "Hand",
+        view.backups.empty() ? "it" : "a backup MSC", out, in);
   }
   if (member.backup) {
     return fmt::format("{} run {}, {} and {}: the table is written anew.", OnMsc(view),
