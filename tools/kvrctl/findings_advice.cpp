@@ -56,22 +56,47 @@ std::string OnMscWithin(const View &view) {
   return "on " + (view.mscs.size() == 1 ? view.mscs.front()->host->name : "the MSC");
 }
 
+std::string AwaitMsc(const View &view) {
+  std::vector<std::string> backups;
+  for (const Member *backup : view.backups)
+    backups.push_back(backup->host->name);
+  return fmt::format(
+      "Bring the MSC back into reach, or run `kvrctl takeover` on {}, and run `kvrctl doctor` "
+      "again: without the MSC's table it can't be told whether this one is sound.",
+      backups.empty()       ? "a backup MSC"
+      : backups.size() == 1 ? backups.front()
+                            : "one of " + Listed(backups));
+}
+
+std::string AwaitUnread(const View &view) {
+  return fmt::format(
+      "Bring {} back into reach first, and run `kvrctl doctor` again: the host above may be among "
+      "them.",
+      Listed(view.unread));
+}
+
 std::string Readmission(const View &view, const Member &member) {
+  if (view.mscs.empty()) return AwaitMsc(view);
   const std::vector<std::string> name = {member.host->name};
   const std::string out = Command({"kvrctl", "acg", "remove"}, name);
   const std::string in = Command({"kvrctl", "acg", "add"}, name);
   if (member.msc) {
     return fmt::format(
-        "Hand the role to a backup MSC with `kvrctl handover HOST`, then run {} and {} on that "
-        "one: the table is written anew.",
-        out, in);
+        "{} the role to {} with `kvrctl handover HOST`, then run {} and {} on that one: the table "
+        "is written anew. A handover copies the access words, so that damage in those stays: no "
+        "command mends it.",
+        view.backups.empty() ? "Make a host a backup MSC with `kvrctl backup add HOST`, hand"
+                             : "Hand",
+        view.backups.empty() ? "it" : "a backup MSC", out, in);
   }
   if (member.backup) {
     return fmt::format("{} run {}, {} and {}: the table is written anew.", OnMsc(view),
                        Command({"kvrctl", "backup", "remove"}, name), out,
                        Command({"kvrctl", "backup", "add"}, name));
   }
-  if (member.slot && !view.HasParent(member)) return RemovalByHand({member.host->name});
+  if (member.slot && !view.HasParent(member)) {
+    return view.unread.empty() ? RemovalByHand({member.host->name}) : AwaitUnread(view);
+  }
   if (member.slot) {
     return fmt::format(
         "{} hand its group to another host with {}, then run {} and {}: the table is written anew, "
@@ -86,6 +111,14 @@ std::string Readmission(const View &view, const Member &member) {
       OnMsc(view), out, in);
 }
 
+std::string MscStays(const Member &msc) {
+  return fmt::format(
+      "Keep the table of {}: it is the MSC's, and says who has which slot. No command takes such a "
+      "mark out of it, and a handover copies it along: it stays until the configuration is made "
+      "anew with `kvrctl destroy` and `kvrctl create`.",
+      msc.host->name);
+}
+
 std::string RemovalByHand(const std::vector<std::string> &hosts) {
   std::vector<std::string> files;
   for (const std::string &host : hosts)
@@ -98,6 +131,7 @@ std::string RemovalByHand(const std::vector<std::string> &hosts) {
 }
 
 std::string ReserveAnew(const View &view, const std::vector<const Member *> &clients) {
+  if (view.mscs.empty()) return AwaitMsc(view);
   const auto resized = [&clients](bool onlyUsed) {
     std::vector<std::string> commands;
     for (const Member *client : clients) {

@@ -26,8 +26,17 @@ std::string OnMsc(const View &view);
 // The same within a sentence: "on h1", "on the MSC".
 std::string OnMscWithin(const View &view);
 
+// The only way on while no MSC's table can be read: who is a client, and of whom, is not known then.
+std::string AwaitMsc(const View &view);
+
+// The same where a host that can't be read may be the one above.
+std::string AwaitUnread(const View &view);
+
 // How a member gets a new table, by the role that it has now: with commands where some do it.
 std::string Readmission(const View &view, const Member &member);
+
+// What is left to do about marks in the MSC's own table, which is never to be removed.
+std::string MscStays(const Member &msc);
 
 // How a table is removed where no command does that.
 std::string RemovalByHand(const std::vector<std::string> &hosts);

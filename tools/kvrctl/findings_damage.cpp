@@ -101,9 +101,10 @@ void CheckName(const View &view, const Member &member, Findings &findings) {
        {},
        fmt::format("The group's name in the table of {} is damaged: {}.", name, fault),
        "The group goes by different names for different readers.",
-       client ? fmt::format("{} run {}, which writes both forms.", OnMsc(view),
-                            Command({"kvrctl", "group", "rename"}, {ClientPath(name), "NAME"}))
-              : Readmission(view, member)});
+       client && !view.mscs.empty()
+           ? fmt::format("{} run {}, which writes both forms.", OnMsc(view),
+                         Command({"kvrctl", "group", "rename"}, {ClientPath(name), "NAME"}))
+           : Readmission(view, member)});
 }
 
 }  // namespace

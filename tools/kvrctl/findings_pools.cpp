@@ -20,6 +20,7 @@ std::vector<std::uint32_t> SlotsWhere(const auto &holds) {
 }
 
 std::string NextForLost(const View &view, const Member &pool) {
+  if (view.mscs.empty()) return AwaitMsc(view);
   const std::string first =
       view.unread.empty()
           ? ""
@@ -30,7 +31,9 @@ std::string NextForLost(const View &view, const Member &pool) {
            "Where the client is gone for good, no command frees its slots: they stay taken until "
            "the configuration is made anew with `kvrctl destroy` and `kvrctl create`.";
   }
-  if (!view.HasParent(pool)) return first + RemovalByHand({pool.host->name});
+  if (!view.HasParent(pool)) {
+    return view.unread.empty() ? RemovalByHand({pool.host->name}) : AwaitUnread(view);
+  }
   return first +
          fmt::format(
              "Where the client is gone for good, delete the groups below that of {}, and "
@@ -45,6 +48,7 @@ void CheckLost(const View &view, Findings &findings) {
     lost.insert(lost.end(), pool.lostReserve.begin(), pool.lostReserve.end());
     if (lost.empty()) continue;
     std::sort(lost.begin(), lost.end());
+    lost.erase(std::unique(lost.begin(), lost.end()), lost.end());
     const std::string &name = pool.host->name;
     findings.push_back({"SLOT_LOST",
                         {name},
@@ -70,15 +74,27 @@ bool IsForgotten(const View &view, const Member &client) {
   return !view.mscs.empty() || !marks.reservers.empty();
 }
 
+std::string NextForForgotten(const View &view, const Member &client) {
+  if (view.mscs.empty()) return AwaitMsc(view);
+  const std::string &name = client.host->name;
+  const auto &delegators = view.slots[*client.slot].delegators;
+  const bool deletable =
+      std::any_of(delegators.begin(), delegators.end(), [](const Member *one) { return one->msc; });
+  if (!deletable) return RemovalByHand({name});
+  const bool above =
+      !SlotsWhere([&](std::uint32_t slot) { return client.Has(ACE_CHILD, slot); }).empty();
+  return fmt::format(
+      "{} {}run {}, and create the group again.", OnMsc(view),
+      above ? "delete the groups below that of " + name + ", the lowest first, then " : "",
+      Command({"kvrctl", "group", "delete"}, {ClientPath(name)}));
+}
+
 void CheckForgotten(const View &view, Findings &findings) {
   for (const Member &client : view.members) {
     if (!IsForgotten(view, client)) continue;
     const std::string &name = client.host->name;
     const auto slots =
         SlotsWhere([&](std::uint32_t slot) { return client.Has(ACE_SELF | ACE_RESERVED, slot); });
-    const auto &delegators = view.slots[*client.slot].delegators;
-    const bool deletable = std::any_of(delegators.begin(), delegators.end(),
-                                       [](const Member *one) { return one->msc; });
     findings.push_back(
         {"CHILD_UNKNOWN",
          {name},
@@ -87,9 +103,7 @@ void CheckForgotten(const View &view, Findings &findings) {
                      *client.slot),
          "The creation of its group broke off, or the group was deleted while this host was away: "
          "the slot counts as free above it, and another client may get it too.",
-         deletable ? fmt::format("{} run {}, and create the group again.", OnMsc(view),
-                                 Command({"kvrctl", "group", "delete"}, {ClientPath(name)}))
-                   : RemovalByHand({name})});
+         NextForForgotten(view, client)});
   }
 }
 

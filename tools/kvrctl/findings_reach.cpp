@@ -43,6 +43,36 @@ void CheckHost(const SurveyedHost &host, Findings &findings) {
                           host.name)});
 }
 
+std::string NextForUnreadable(const View &view, const SurveyedHost &host) {
+  if (host.reach == Reach::Refused) {
+    return "Check its adapters, and the faults described in fabric.toml (`kvrctl fabric show`); "
+           "then run `kvrctl doctor` again.";
+  }
+  const std::string copy = fmt::format(
+      "Put a whole copy of the file tables/{}.satable back, and run `kvrctl doctor` again. ",
+      host.name);
+  if (view.mscs.empty()) {
+    return copy +
+           "Where there is none and it was the MSC's, run `kvrctl takeover` on a backup MSC.";
+  }
+  return copy + "Where there is none, what it held is lost. " + RemovalByHand({host.name});
+}
+
+void CheckUnreadable(const View &view, const SurveyedHost &host, Findings &findings) {
+  if (host.table != nullptr || (host.reach != Reach::Torn && host.reach != Reach::Refused)) return;
+  findings.push_back(
+      {"TABLE_UNREADABLE",
+       {host.name},
+       {},
+       fmt::format("{} holds a table, but {}.", host.name,
+                   host.reach == Reach::Torn
+                       ? fmt::format("its file has not the {} bytes of one", KVR_SA_TABLE_SIZE)
+                       : "none of its adapters gives it"),
+       "The host counts as one outside the configuration, and slots that are its own or in its "
+       "reserve as lost.",
+       NextForUnreadable(view, host)});
+}
+
 void CheckUnread(const View &view, Findings &findings) {
   std::vector<std::string> names;
   for (const SurveyedHost &host : view.survey.hosts) {
@@ -83,6 +113,7 @@ void CheckReach(const View &view, Findings &findings) {
   for (const SurveyedHost &host : view.survey.hosts) {
     CheckAdapters(host, findings);
     CheckHost(host, findings);
+    CheckUnreadable(view, host, findings);
   }
   CheckUnread(view, findings);
   CheckNames(view, findings);

@@ -52,10 +52,29 @@ void CheckNoMsc(const View &view, Findings &findings) {
       {"NO_MSC",
        backups,
        {},
-       fmt::format("None of the {} tables of the configuration is an MSC's.", view.members.size()),
+       view.members.size() == 1
+           ? fmt::format("The one table of the configuration, that of {}, is no MSC's.",
+                         view.members.front().host->name)
+           : fmt::format("None of the {} tables of the configuration is an MSC's.",
+                         view.members.size()),
        "Nobody can change members, keys or top-level groups, and what the MSC has "
        "given out can't be judged here.",
        NextWithoutMsc(backups)});
+}
+
+std::string NextForHolders(const View &view, std::uint32_t slot) {
+  if (view.mscs.empty()) return AwaitMsc(view);
+  const auto &holders = view.slots[slot].holders;
+  const auto msc = std::find_if(holders.begin(), holders.end(),
+                                [](const Member *holder) { return holder->msc; });
+  if (msc == holders.end()) {
+    return "Keep the one that it was meant for. " + RemovalByHand({"HOST"});
+  }
+  if ((*msc)->slot != slot) return MscStays(**msc);
+  std::vector<const Member *> others = holders;
+  std::erase_if(others, [](const Member *holder) { return holder->msc; });
+  return fmt::format("Keep the table of {}, the MSC. {}", (*msc)->host->name,
+                     RemovalByHand(NamesOf(others)));
 }
 
 void CheckHolders(const View &view, Findings &findings) {
@@ -70,8 +89,13 @@ void CheckHolders(const View &view, Findings &findings) {
                         {slot},
                         fmt::format("{} each hold slot {}.", Listed(names), slot),
                         "A slot stands for one client: whoever serves it lets all of them in.",
-                        "Keep the one that it was meant for. " + RemovalByHand({"HOST"})});
+                        NextForHolders(view, slot)});
   }
+}
+
+std::string NextForSeveral(const View &view, const Member &member) {
+  if (view.mscs.empty()) return AwaitMsc(view);
+  return member.msc ? MscStays(member) : RemovalByHand({member.host->name});
 }
 
 void CheckOwnSlots(const View &view, Findings &findings) {
@@ -88,7 +112,7 @@ void CheckOwnSlots(const View &view, Findings &findings) {
                         own,
                         fmt::format("{} calls {} its own.", name, SlotText(own)),
                         "Every reader takes the highest, and the others are lost.",
-                        RemovalByHand({name})});
+                        NextForSeveral(view, member)});
   }
 }
 

@@ -56,11 +56,12 @@ void CheckIdentity(const View &view, Findings &findings) {
   }
 }
 
-std::string NextForStrangers(const View &view, const std::vector<std::string> &names, bool slots) {
+std::string NextForStrangers(const View &view, const std::vector<std::string> &names,
+                             const std::vector<std::string> &removable, bool slots) {
   if (slots) {
     return "Where that configuration is in use, keep the two apart: no host may see those of both. "
-           "Else take it down with `kvrctl destroy` on its own MSC, cut off from these hosts. " +
-           RemovalByHand(names);
+           "Else take it down with `kvrctl destroy` on its own MSC, cut off from these hosts." +
+           (removable.empty() ? "" : " " + RemovalByHand(removable));
   }
   return fmt::format(
       "Where the other configuration is in use, keep the two apart: no host may see those of both. "
@@ -74,10 +75,12 @@ void CheckStrangers(const View &view, Findings &findings) {
   while (!rest.empty()) {
     const std::string id = IdOf(*rest.front());
     std::vector<std::string> names;
+    std::vector<std::string> removable;
     bool slots = false;
     for (const SurveyedHost *host : rest) {
       if (IdOf(*host) != id) continue;
       names.push_back(host->name);
+      if (!IsMsc(*host)) removable.push_back(host->name);
       slots |= OwnSlot(*host->table).has_value();
     }
     std::erase_if(rest, [&](const SurveyedHost *host) { return IdOf(*host) == id; });
@@ -90,7 +93,7 @@ void CheckStrangers(const View &view, Findings &findings) {
                      Listed(names), id, view.reference->name),
          "Every host with a table counts as a member: changes that go to all members reach these "
          "too, and `kvrctl destroy` would remove their tables.",
-         NextForStrangers(view, names, slots)});
+         NextForStrangers(view, names, removable, slots)});
   }
 }
 

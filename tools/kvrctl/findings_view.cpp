@@ -8,18 +8,25 @@
 namespace kvrctl {
 namespace {
 
+// A stray mark does not hide the role: the slot that carries one goes before the others.
+std::optional<std::uint32_t> RoleSlot(const SaTable &table, std::uint32_t role) {
+  for (std::uint32_t slot = 0; slot < KVR_SLOT_COUNT; ++slot) {
+    const std::uint32_t flags = table.entries[slot].access.roleFlags;
+    if ((flags & ACE_SELF) != 0 && (flags & role) != 0) return slot;
+  }
+  return std::nullopt;
+}
+
 Member MemberOf(const SurveyedHost &host) {
   Member member;
   member.host = &host;
-  member.slot = OwnSlot(*host.table);
+  member.slot = RoleSlot(*host.table, ACE_MSC);
+  if (!member.slot) member.slot = RoleSlot(*host.table, ACE_BACKUP_MSC);
+  if (!member.slot) member.slot = OwnSlot(*host.table);
   if (!member.slot) return member;
   member.msc = member.Has(ACE_MSC, *member.slot);
   member.backup = !member.msc && member.Has(ACE_BACKUP_MSC, *member.slot);
   return member;
-}
-
-bool IsMsc(const SurveyedHost &host) {
-  return MemberOf(host).msc;
 }
 
 bool AreOfOne(const SaTable &a, const SaTable &b) {
@@ -55,6 +62,10 @@ const SurveyedHost *ReferenceIn(const Survey &survey) {
 }
 
 }  // namespace
+
+bool IsMsc(const SurveyedHost &host) {
+  return RoleSlot(*host.table, ACE_MSC).has_value();
+}
 
 bool Member::Serves(std::uint32_t at) const {
   return (host->table->entries[at].access.serveFlags & ACE_SERVES) != 0;

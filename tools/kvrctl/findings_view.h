@@ -14,7 +14,7 @@ namespace kvrctl {
 // A host whose table belongs to the configuration.
 struct Member {
   const SurveyedHost *host;
-  std::optional<std::uint32_t> slot;  // its own; the highest, where it calls several so
+  std::optional<std::uint32_t> slot;  // its own; of several that of its role, else the highest
   bool msc = false;
   bool backup = false;
   // What it has given out although nobody has it: slots of clients, and of its children's reserves.
@@ -25,6 +25,9 @@ struct Member {
   [[nodiscard]] bool Has(std::uint32_t roleFlag, std::uint32_t slot) const;
   [[nodiscard]] bool IsParentOf(const Member &child) const;
 };
+
+// Whether a host's table, which must have been read, is an MSC's.
+bool IsMsc(const SurveyedHost &host);
 
 // The members that have a mark at a slot. Backup MSCs are left out: their marks are the MSC's.
 struct SlotMarks {

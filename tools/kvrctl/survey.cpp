@@ -1,7 +1,9 @@
 #include "survey.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
+#include <system_error>
 
 #include "kvrapi/tqlink.h"
 
@@ -39,14 +41,19 @@ std::vector<std::size_t> SilentAdapters(const System &system) {
   return silent;
 }
 
-// What the description of a simulated network tells of a host without a readable table. A call to
-// it may have failed by a planned fault, so that an absent table isn't told from an unread one.
-Reach ReachOf(const fabric::Host &host, const fabric::Description &description) {
+// What the folder of a simulated network tells of a host without a readable table. Where a fault is
+// planned for one without a file, its calls don't tell an absent table from an unread one.
+Reach ReachOf(const fabric::Host &host, const fabric::Description &description,
+              const std::filesystem::path &folder) {
   if (!host.up) return Reach::Down;
   if (std::none_of(host.adapters.begin(), host.adapters.end(),
                    [](const fabric::Adapter &adapter) { return adapter.up; })) {
     return Reach::NoWay;
   }
+  std::error_code none;
+  const auto size =
+      std::filesystem::file_size(folder / "tables" / fabric::PathOf(host.name + ".satable"), none);
+  if (!none) return size == KVR_SA_TABLE_SIZE ? Reach::Refused : Reach::Torn;
   const bool faulty =
       std::any_of(description.faults.begin(), description.faults.end(),
                   [&host](const fabric::Fault &fault) { return fault.host == host.name; });
@@ -57,21 +64,23 @@ Reach ReachOf(const fabric::Host &host, const fabric::Description &description) 
 std::map<std::string, Reach> DescribedReach() {
   std::map<std::string, Reach> reach;
   try {
-    const fabric::Description description = ReadDescription(FabricFolder());
+    const std::filesystem::path folder = FabricFolder();
+    const fabric::Description description = ReadDescription(folder);
     for (const fabric::Host &host : description.hosts)
-      reach[host.name] = ReachOf(host, description);
+      reach[host.name] = ReachOf(host, description, folder);
   } catch (const Failure &) {
     return {};
   }
   return reach;
 }
 
-SurveyedHost SurveyLocal() {
+SurveyedHost SurveyLocal(const std::map<std::string, Reach> &described) {
   SurveyedHost host;
   host.name = fabric::Environment("KVR_HOST").value_or("this host");
   host.local = true;
-  host.reach = Reach::Up;
   host.table = ReadLocalTable();
+  const auto told = described.find(host.name);
+  if (told != described.end()) host.reach = told->second;
   return host;
 }
 
@@ -121,7 +130,7 @@ std::unique_ptr<SaTable> ReadLocalTable() {
 Survey TakeSurvey(const Library &library) {
   const auto described = DescribedReach();
   Survey survey;
-  survey.hosts.push_back(SurveyLocal());
+  survey.hosts.push_back(SurveyLocal(described));
   for (const System &system : Systems()) {
     if (!system.excluded) survey.hosts.push_back(SurveySystem(system, described));
   }

@@ -30,6 +30,8 @@ enum class Reach {
   Unknown,  // it holds no table, or it can't be reached
   Down,     // it is described as down
   NoWay,    // it is described as up, but all its adapters as down
+  Torn,     // it is described as up and holds a table, which is not of a table's size
+  Refused,  // it is described as up and holds a table, which its adapters don't give
   Up        // it is described as up: it holds no table
 };
 
