@@ -108,10 +108,10 @@ _kvrctl_command() {
       options='-x --only-wrong -h --help --version --fabric --host --output --trace' arguments=() more=0
       ;;
     'table dump')
-      options='--all --keys -h --help --version --fabric --host --output --trace' arguments=('') more=0
+      options='--all --keys -h --help --version --fabric --host --output --trace' arguments=('hosts') more=0
       ;;
     'table diff')
-      options='--all -h --help --version --fabric --host --output --trace' arguments=('' '') more=0
+      options='--all -h --help --version --fabric --host --output --trace' arguments=('hosts' 'hosts') more=0
       ;;
     'batch')
       options='--dry-run --yes --keep-going --from -h --help --version --fabric --host --output --trace' arguments=('files') more=0

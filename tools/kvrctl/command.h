@@ -17,7 +17,7 @@
 namespace kvrctl {
 
 struct Outcome {
-  Json result = {};                     // the facts; null where nothing was done
+  Json result;                          // the facts; null where nothing was done
   Drawing draw = {};                    // the same facts as text; empty where there is no result
   std::vector<std::string> notes = {};  // sentences beside them: what the reader should know
   std::optional<Failure> failure = {};  // set when the result is only a part of what was asked
