@@ -22,7 +22,7 @@ Outcome Help(const CLI::App &app, const Commands &commands, const HelpRequest &a
     throw Failure(ExitStatus::Usage, "USAGE", fmt::format("There is no command '{}'.", name),
                   "`kvrctl help` lists the commands.");
   }
-  Outcome outcome;
+  Outcome outcome{Json()};
   outcome.result = DescriptionOf(app, commands, asked.words);
   if (asked.json) {
     outcome.draw = [](const Json &result, const Screen &) { return result.dump(2) + '\n'; };

@@ -94,7 +94,7 @@ std::string CommandLine::WordsRead() const {
 }
 
 Outcome Run(const Chosen &chosen) {
-  Outcome outcome;
+  Outcome outcome{Json()};
   try {
     return chosen.run();
   } catch (const Failure &failure) {

@@ -173,7 +173,7 @@ Outcome DeleteGroup(const std::string &path, bool force, const Consent &consent)
   const HostResults servers =
       ChangeEach(doing, group.servers,
                  [&group](const kvrapi::System &system) { group.group.RemoveServer(system); });
-  Outcome outcome;
+  Outcome outcome{Json()};
   bool deleted = false;
   if (!servers.failed.empty()) {
     outcome.failure = PartialFailure(doing, servers, retry);

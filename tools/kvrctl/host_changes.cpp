@@ -68,7 +68,7 @@ AcgResults ChangeAcg(const std::string &doing, const Library &library,
 Outcome ChangeHosts(const Library &library, const std::vector<std::string> &names,
                     const Wording &wording, const Change &change) {
   const HostResults results = ChangeEach(wording.doing, library.HostsNamed(names), change);
-  Outcome outcome;
+  Outcome outcome{Json()};
   outcome.result = {{"done", results.done}};
   outcome.draw = [didSo = wording.didSo](const Json &result, const Screen &) {
     return Line("{}: {}.", didSo, Shown(result.at("done")));

@@ -39,7 +39,7 @@ Outcome RunChosen(const Commands &commands) {
   try {
     dryRun.emplace();
   } catch (const std::exception &) {
-    Outcome outcome;
+    Outcome outcome{Json()};
     outcome.failure = Failure(ExitStatus::NothingToTalkTo, "SYSTEM",
                               "A dry run needs a folder for temporary files, and there is none.",
                               "Set TMPDIR to a folder that can be written to.");
