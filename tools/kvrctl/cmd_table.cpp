@@ -72,6 +72,10 @@ Table Held(std::unique_ptr<SaTable> table, const std::string &name) {
 
 // The discovery of the library writes to the backup MSCs; to look at a table it is not needed.
 Table ReadNamed(const std::string &name) {
+  if (name.empty()) {
+    throw Failure(ExitStatus::Usage, "NO_SUCH_TABLE", "An empty name names no table.",
+                  "`kvrctl hosts` lists the hosts; a file is named by its path.");
+  }
   if (name.find_first_of("/\\") != std::string::npos && IsFile(name)) return ReadFile(name);
   const bool reachable = KVR_Initialize() != KVR_ERR_NO_LOCAL_ADAPTER;
   if (reachable && fabric::Environment("KVR_HOST") == name) return Held(ReadLocalTable(), name);

@@ -68,11 +68,27 @@ std::string AwaitMsc(const View &view) {
                             : "one of " + Listed(backups));
 }
 
-std::string AwaitUnread(const View &view) {
-  return fmt::format(
-      "Bring {} back into reach first, and run `kvrctl doctor` again: the host above may be among "
-      "them.",
-      Listed(view.unread));
+std::string WhereMissing(const View &view) {
+  const auto &excluded = view.survey.excluded;
+  std::string text;
+  if (!view.unread.empty()) {
+    text = fmt::format("Bring {} back into reach first: the missing one may be among them.",
+                       Listed(view.unread));
+  }
+  if (excluded.empty()) return text;
+  return text + (text.empty() ? "" : " ") +
+         (excluded.size() == 1
+              ? fmt::format("{} is excluded from discovery: it may be the missing one. Let it be "
+                            "discovered again",
+                            excluded.front())
+              : fmt::format("{} are excluded from discovery: the missing one may be among them. "
+                            "Let them be discovered again",
+                            Listed(excluded))) +
+         "; on the simulated network, `excluded` in fabric.toml.";
+}
+
+std::string AwaitMissing(const View &view) {
+  return WhereMissing(view) + " Then run `kvrctl doctor` again.";
 }
 
 std::string Readmission(const View &view, const Member &member) {
@@ -95,7 +111,7 @@ std::string Readmission(const View &view, const Member &member) {
                        Command({"kvrctl", "backup", "add"}, name));
   }
   if (member.slot && !view.HasParent(member)) {
-    return view.unread.empty() ? RemovalByHand({member.host->name}) : AwaitUnread(view);
+    return WhereMissing(view).empty() ? RemovalByHand({member.host->name}) : AwaitMissing(view);
   }
   if (member.slot) {
     return fmt::format(

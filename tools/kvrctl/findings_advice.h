@@ -29,8 +29,11 @@ std::string OnMscWithin(const View &view);
 // The only way on while no MSC's table can be read: who is a client, and of whom, is not known then.
 std::string AwaitMsc(const View &view);
 
-// The same where a host that can't be read may be the one above.
-std::string AwaitUnread(const View &view);
+// Which hosts may be the missing one, as sentences; empty where every table was read.
+std::string WhereMissing(const View &view);
+
+// The same as the only way on: until those are read, nothing is called irreparable.
+std::string AwaitMissing(const View &view);
 
 // How a member gets a new table, by the role that it has now: with commands where some do it.
 std::string Readmission(const View &view, const Member &member);

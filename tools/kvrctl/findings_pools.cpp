@@ -21,18 +21,15 @@ std::vector<std::uint32_t> SlotsWhere(const auto &holds) {
 
 std::string NextForLost(const View &view, const Member &pool) {
   if (view.mscs.empty()) return AwaitMsc(view);
-  const std::string first =
-      view.unread.empty()
-          ? ""
-          : fmt::format("Bring {} back into reach first: the missing one may be among them. ",
-                        Listed(view.unread));
+  if (!view.survey.excluded.empty()) return AwaitMissing(view);
+  const std::string first = view.unread.empty() ? "" : WhereMissing(view) + " ";
   if (pool.msc) {
     return first +
            "Where the client is gone for good, no command frees its slots: they stay taken until "
            "the configuration is made anew with `kvrctl destroy` and `kvrctl create`.";
   }
   if (!view.HasParent(pool)) {
-    return view.unread.empty() ? RemovalByHand({pool.host->name}) : AwaitUnread(view);
+    return view.unread.empty() ? RemovalByHand({pool.host->name}) : AwaitMissing(view);
   }
   return first +
          fmt::format(
@@ -215,6 +212,14 @@ void CheckServers(const View &view, Findings &findings) {
   }
 }
 
+std::string NextForOffline(const View &view) {
+  if (!view.survey.excluded.empty()) return AwaitMissing(view);
+  return (view.unread.empty()
+              ? std::string("Bring the missing client back into reach")
+              : "Bring the missing client back into reach: it may be " + Listed(view.unread)) +
+         ". Where it is gone for good, delete the groups below with `kvrctl group delete`.";
+}
+
 void CheckOffline(const View &view, Findings &findings) {
   for (const MissingClient &missing : view.survey.missing) {
     const auto pool =
@@ -232,10 +237,7 @@ void CheckOffline(const View &view, Findings &findings) {
              slots.empty() ? "" : ", for the client of " + SlotText(slots)),
          "The client between them and the host above was not found, so that these groups can't get "
          "servers, a reserve or another client.",
-         (view.unread.empty()
-              ? std::string("Bring the missing client back into reach")
-              : "Bring the missing client back into reach: it may be " + Listed(view.unread)) +
-             ". Where it is gone for good, delete the groups below with `kvrctl group delete`."});
+         NextForOffline(view)});
   }
 }
 

@@ -132,7 +132,11 @@ Survey TakeSurvey(const Library &library) {
   Survey survey;
   survey.hosts.push_back(SurveyLocal(described));
   for (const System &system : Systems()) {
-    if (!system.excluded) survey.hosts.push_back(SurveySystem(system, described));
+    if (system.excluded) {
+      survey.excluded.push_back(system.name);
+    } else {
+      survey.hosts.push_back(SurveySystem(system, described));
+    }
   }
   survey.missing = MissingClients(library);
   return survey;

@@ -52,7 +52,8 @@ struct MissingClient {
 };
 
 struct Survey {
-  std::vector<SurveyedHost> hosts;  // this one first; excluded ones left out
+  std::vector<SurveyedHost> hosts;    // this one first; excluded ones left out
+  std::vector<std::string> excluded;  // their names; they may take part, and are not asked
   std::vector<MissingClient> missing;
 };
 
