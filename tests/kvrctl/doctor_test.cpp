@@ -10,6 +10,7 @@ using Slots = std::vector<std::uint32_t>;
 
 class Doctor : public FabricFolder {
  public:
+  using FabricFolder::folder;
   using FabricFolder::network;
 
   // h1 is the MSC, h6 its backup; h2 has group a at the top, h3 a/b below it, h4 a/b/c below that;
@@ -66,10 +67,19 @@ Plant Alter(const char *host, void (*change)(SaTable &), Slots slots = {}) {
   return [=](Doctor &at) { return at.Change(host, change), slots; };
 }
 
+Plant Tear(const char *host, const char *slot = nullptr) {
+  return [=](Doctor &at) {
+    const Slots slots = slot == nullptr ? Slots{} : Slots{at.Slot(slot)};
+    at.folder.Put(std::string("tables/") + host + ".satable", "torn");
+    return slots;
+  };
+}
+
 struct Fault {
   const char *code, *hosts;
   Plant plant;
-  bool mended = false;  // the way out leaves everything sound
+  bool mended = false;    // the way out leaves everything sound
+  const char *says = "";  // what the way out names
 };
 
 const Fault kFaults[] = {
@@ -78,6 +88,23 @@ const Fault kFaults[] = {
      [](Doctor &at) {
        return Slots{at.Slot("h2"), Put("h2", "unused", ACE_SELF)(at)[0]};
      }},
+    {"SEVERAL_SLOTS", "h1",
+     [](Doctor &at) {
+       const std::uint32_t own = at.Slot("h1"), stray = Put("h1", "unused", ACE_SELF)(at)[0];
+       return Slots{std::min(own, stray), std::max(own, stray)};
+     },
+     false, "Keep the table of h1"},
+    {"SLOT_LOST", "h2",
+     [](Doctor &at) {
+       const Slots slots = Put("h2", "free", ACE_RESERVED | ACE_CHILD)(at);
+       return Tear("h1")(at), slots;
+     },
+     false, "`kvrctl takeover` on h6"},
+    {"TABLE_UNREADABLE", "h2", Tear("h2"), false, "tables/h2.satable"},
+    {"OFFLINE_CLIENT", "h4", Tear("h3", "h3"), false, "it may be h3"},
+    {"OFFLINE_CLIENT", "h4",
+     [](Doctor &at) { return at.network.hosts[2].excluded = true, Slots{at.Slot("h3")}; }, false,
+     "h3 is excluded"},
     {"TWO_MSCS", "h1 h5", Put("h5", "h1", ACE_SELF | ACE_MSC)},
     {"NO_MSC", "h6", Alter("h1", [](auto &t) { std::ranges::fill(t.entries, SaEntry{}); })},
     {"BACKUP_STALE", "h1 h6", Put("h6", "unused", ACE_CHILD), true},
@@ -134,6 +161,8 @@ TEST_F(Doctor, FindsEveryPlantedFault) {
       if (same && hosts == std::string(" ") + fault.hosts) next = finding["next"];
     }
     EXPECT_NE(next, "") << result.dump(1);
+    EXPECT_NE(next.find(fault.says), std::string::npos) << next;
+    EXPECT_EQ(result.dump().find("the file tables/h1.satable;"), std::string::npos) << "the MSC's";
     if (fault.mended) Follow(next);
     EXPECT_EQ(Run("h1", "doctor").status, fault.mended ? 0 : 1) << next;
     network = up;
