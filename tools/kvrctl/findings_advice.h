@@ -26,7 +26,8 @@ std::string OnMsc(const View &view);
 // The same within a sentence: "on h1", "on the MSC".
 std::string OnMscWithin(const View &view);
 
-// The only way on while no MSC's table can be read: who is a client, and of whom, is not known then.
+// The only way on while no MSC's table can be read: who is a client, and of whom, is not known
+// then.
 std::string AwaitMsc(const View &view);
 
 // Which hosts may be the missing one, as sentences; empty where every table was read.
