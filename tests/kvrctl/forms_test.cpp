@@ -203,7 +203,8 @@ TEST_F(Forms, SayTheSameFactsAndADryRunWritesNothing) {
     ExpectSameFacts(line);
     ExpectDry(line);
   }
-  for (const Json &command : ResultOf("h1", "help")["commands"]) {
+  const Json help = ResultOf("h1", "help");
+  for (const Json &command : help["commands"]) {
     const std::string words = " " + command["words"].get<std::string>();
     const auto begins = [&](const Line &line) { return line.command.starts_with(words); };
     const bool changing = command["effect"] != "reads";
