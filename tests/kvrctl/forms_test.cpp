@@ -205,7 +205,8 @@ TEST_F(Forms, SayTheSameFactsAndADryRunWritesNothing) {
   }
   const Json help = ResultOf("h1", "help");
   for (const Json &command : help["commands"]) {
-    const std::string words = " " + command["words"].get<std::string>();
+    std::string words;
+    for (const Json &word : command["words"]) words += " " + word.get<std::string>();
     const auto begins = [&](const Line &line) { return line.command.starts_with(words); };
     const bool changing = command["effect"] != "reads";
     EXPECT_TRUE(std::ranges::any_of(changing ? changes : readers, begins) || words == " help")
